@@ -1,0 +1,28 @@
+// Files as games name them: paths written on Windows ("\" separators, any letter case) are
+// found on Linux, and whole files are read and written safely.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tarve {
+
+// A path written in a game or saved game, with "\" turned into "/".
+std::string NativePath(std::string_view path);
+
+// The path of an existing file that matches `path`, comparing each name in it without regard
+// to case when the exact spelling does not exist. `path` itself when nothing matches.
+std::string FindFileNoCase(const std::string& path);
+
+// The folder of a file path, with a trailing "/" ("" for a bare file name).
+std::string FolderOf(std::string_view path);
+
+// Reads a whole file. False when it cannot be opened or read, or is larger than `max_bytes`.
+bool ReadWholeFile(const std::string& path, std::string& bytes,
+                   std::size_t max_bytes = std::size_t{256} << 20);
+
+// Writes a whole file through a temporary file in the same folder that is then renamed into
+// place, so a crash or a full disk never leaves a half-written file behind.
+bool WriteFileAtomically(const std::string& path, std::string_view bytes);
+
+}  // namespace tarve

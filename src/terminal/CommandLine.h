@@ -1,0 +1,30 @@
+// The options of the terminal player.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarve {
+
+struct CommandLine {
+  bool dump = false;
+  bool plain = false;
+  bool blank_line = false;
+  bool help = false;
+  std::string log_file;
+  std::string settings_dir;
+  std::string transcript_file;
+  std::optional<unsigned long> seed;
+  // The file to open: the remaining arguments joined by single blanks, as the player has always
+  // taken its command line as one string.
+  std::string file;
+};
+
+// Parses argv; on a usage error returns nothing and sets `error`.
+std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& args,
+                                            std::string& error);
+
+extern const char* const kUsage;
+
+}  // namespace tarve

@@ -1,0 +1,235 @@
+// Runs one transcript test: plays a game through tarve-cli with the transcript's input lines and
+// compares what the player printed (and, when asked, its script log) with the transcript. The
+// format is described in tests/README.md.
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Expected {
+  std::string text;
+  int source_line;
+};
+
+struct Transcript {
+  std::string game;
+  std::vector<std::string> args;
+  int status = 0;
+  std::string input;
+  std::vector<Expected> output;
+  bool check_log = false;
+  std::vector<Expected> log;
+};
+
+std::vector<std::string> SplitWords(const std::string& text) {
+  std::istringstream in(text);
+  std::vector<std::string> words;
+  for (std::string word; in >> word;) words.push_back(word);
+  return words;
+}
+
+bool Parse(const fs::path& path, Transcript& t, std::string& error) {
+  std::ifstream in(path);
+  if (!in) {
+    error = "cannot read " + path.string();
+    return false;
+  }
+  bool header = true;
+  bool in_log = false;
+  int number = 0;
+  for (std::string line; std::getline(in, line);) {
+    ++number;
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (header) {
+      if (line.rfind("#", 0) == 0) continue;
+      if (line.rfind("@", 0) == 0 && line != "@log") {
+        const std::size_t blank = line.find(' ');
+        const std::string key = line.substr(0, blank);
+        const std::string value = blank == std::string::npos ? "" : line.substr(blank + 1);
+        if (key == "@game")
+          t.game = value;
+        else if (key == "@args")
+          t.args = SplitWords(value);
+        else if (key == "@status")
+          t.status = std::atoi(value.c_str());
+        else if (key == "@begin")
+          header = false;
+        else {
+          error = path.string() + ":" + std::to_string(number) + ": unknown directive " + key;
+          return false;
+        }
+        continue;
+      }
+      header = false;
+    }
+    if (line == "@log") {
+      in_log = true;
+      t.check_log = true;
+      continue;
+    }
+    if (in_log) {
+      t.log.push_back({line, number});
+    } else if (line.rfind("> ", 0) == 0 || line == ">") {
+      t.input += line.substr(line.size() > 1 ? 2 : 1) + "\n";
+      t.output.push_back({line, number});
+    } else if (line.rfind("<<", 0) == 0) {
+      t.input += line.substr(line.size() > 2 ? 3 : 2) + "\n";
+    } else if (line.rfind("=", 0) == 0) {
+      t.output.push_back({line.substr(1), number});
+    } else {
+      t.output.push_back({line, number});
+    }
+  }
+  if (t.game.empty()) {
+    error = path.string() + ": no @game line";
+    return false;
+  }
+  return true;
+}
+
+// "{*}" in an expected line stands for any text.
+bool Matches(const std::string& expected, const std::string& actual) {
+  const std::string star = "{*}";
+  std::size_t at = expected.find(star);
+  if (at == std::string::npos) return expected == actual;
+  std::vector<std::string> pieces;
+  std::size_t from = 0;
+  for (; at != std::string::npos; at = expected.find(star, from)) {
+    pieces.push_back(expected.substr(from, at - from));
+    from = at + star.size();
+  }
+  pieces.push_back(expected.substr(from));
+  if (actual.compare(0, pieces.front().size(), pieces.front()) != 0) return false;
+  std::size_t pos = pieces.front().size();
+  for (std::size_t i = 1; i + 1 < pieces.size(); ++i) {
+    pos = actual.find(pieces[i], pos);
+    if (pos == std::string::npos) return false;
+    pos += pieces[i].size();
+  }
+  const std::string& last = pieces.back();
+  return actual.size() >= pos + last.size() &&
+         actual.compare(actual.size() - last.size(), last.size(), last) == 0;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::string line;
+  std::istringstream in(text);
+  while (std::getline(in, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+std::string ReadFile(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+bool Compare(const fs::path& transcript, const char* what, const std::vector<Expected>& expected,
+             const std::vector<std::string>& actual) {
+  const std::size_t n = std::max(expected.size(), actual.size());
+  for (std::size_t i = 0; i < n; ++i) {
+    const bool have_expected = i < expected.size();
+    const bool have_actual = i < actual.size();
+    if (have_expected && have_actual && Matches(expected[i].text, actual[i])) continue;
+    std::cerr << transcript.string() << ":"
+              << (have_expected      ? expected[i].source_line
+                  : expected.empty() ? 0
+                                     : expected.back().source_line)
+              << ": " << what << " line " << i + 1 << " differs\n"
+              << "  expected: "
+              << (have_expected ? "\"" + expected[i].text + "\"" : "(nothing more)") << "\n"
+              << "  actual:   " << (have_actual ? "\"" + actual[i] + "\"" : "(nothing more)")
+              << "\n"
+              << "--- whole " << what << " ---\n";
+    for (const std::string& line : actual) std::cerr << line << "\n";
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    std::cerr << "usage: transcript_runner TARVE_CLI TRANSCRIPT\n";
+    return 2;
+  }
+  const fs::path cli = fs::absolute(argv[1]);
+  const fs::path transcript = fs::absolute(argv[2]);
+  Transcript t;
+  std::string error;
+  if (!Parse(transcript, t, error)) {
+    std::cerr << error << "\n";
+    return 2;
+  }
+
+  // Each run gets a fresh home, so settings and logs of one test never reach another.
+  char home_template[] = "/tmp/tarve-transcript-XXXXXX";
+  if (mkdtemp(home_template) == nullptr) return 2;
+  const fs::path home = home_template;
+  const fs::path input_file = home / "input.txt";
+  const fs::path output_file = home / "output.txt";
+  const fs::path log_file = home / "script.log";
+  std::ofstream(input_file, std::ios::binary) << t.input;
+
+  std::vector<std::string> args = {cli.string(), "--settings", (home / "settings").string()};
+  if (t.check_log) {
+    args.push_back("--log");
+    args.push_back(log_file.string());
+  }
+  args.insert(args.end(), t.args.begin(), t.args.end());
+  args.push_back(t.game);
+
+  pid_t pid = fork();
+  if (pid == 0) {
+    if (chdir(transcript.parent_path().c_str()) != 0) _exit(127);
+    int in = open(input_file.c_str(), O_RDONLY);
+    int out = open(output_file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (in < 0 || out < 0) _exit(127);
+    dup2(in, 0);
+    dup2(out, 1);
+    setenv("HOME", home.c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (home / "config").c_str(), 1);
+    setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
+    setenv("NO_COLOR", "1", 1);
+    std::vector<char*> argv_out;
+    for (std::string& arg : args) argv_out.push_back(arg.data());
+    argv_out.push_back(nullptr);
+    execv(argv_out[0], argv_out.data());
+    _exit(127);
+  }
+  int wait_status = 0;
+  waitpid(pid, &wait_status, 0);
+
+  bool ok = true;
+  if (!WIFEXITED(wait_status)) {
+    std::cerr << transcript.string() << ": tarve-cli did not exit normally (signal "
+              << (WIFSIGNALED(wait_status) ? WTERMSIG(wait_status) : 0) << ")\n";
+    ok = false;
+  } else if (WEXITSTATUS(wait_status) != t.status) {
+    std::cerr << transcript.string() << ": exit status " << WEXITSTATUS(wait_status)
+              << ", expected " << t.status << "\n";
+    ok = false;
+  }
+  ok = Compare(transcript, "output", t.output, Lines(ReadFile(output_file))) && ok;
+  if (t.check_log) ok = Compare(transcript, "log", t.log, Lines(ReadFile(log_file))) && ok;
+  fs::remove_all(home);
+  if (ok) std::cout << transcript.filename().string() << ": passed\n";
+  return ok ? 0 : 1;
+}
