@@ -20,18 +20,19 @@ void LogScriptError(Game& game, std::string_view message) {
   if (!message.empty()) AppendToWindow(game, message);
 
   ScriptLogState& log = game.log;
-  if (!log.log_errors) return;
-  if (!log.unwritable_file.empty() && log.unwritable_file == log.log_file) return;
+  const Settings& settings = game.settings;
+  if (!settings.log_errors) return;
+  if (!log.unwritable_file.empty() && log.unwritable_file == settings.log_file) return;
   // The file is opened and closed for every message, so that the log is complete on disk even
   // when the player is stopped abruptly.
-  std::ofstream file(log.log_file, std::ios::binary | std::ios::app);
+  std::ofstream file(settings.log_file, std::ios::binary | std::ios::app);
   if (file) {
     file << message << "\r\n";
     file.flush();
   }
   if (!file) {
-    log.unwritable_file = log.log_file;
-    AppendToWindow(game, "Warning: Unable to write to the log file " + log.log_file +
+    log.unwritable_file = settings.log_file;
+    AppendToWindow(game, "Warning: Unable to write to the log file " + settings.log_file +
                              " - messages go to the log window only.");
   }
 }

@@ -1,6 +1,6 @@
 // The script log: every warning and error the interpreter finds in a game's script, and the
 // game's own `debug` lines. It keeps the whole run's messages for the log window and, when the
-// player asks for it, appends them to a log file.
+// player asks for it (the LogErrors and LogFile settings), appends them to a log file.
 #pragma once
 
 #include <string>
@@ -12,8 +12,6 @@ struct Game;
 
 struct ScriptLogState {
   std::string text;  // every message of the run, each followed by CR LF
-  bool log_errors = false;
-  std::string log_file;
   // A log file that could not be written is noted once in the log and then skipped until the
   // player names another file.
   std::string unwritable_file;

@@ -1,9 +1,10 @@
 #include "interpreter/Substitution.h"
 
+#include "script/Game.h"
+
 namespace tarve {
 
-// Variables, collectables and functions arrive with the interpreter; until then a parameter is
-// used as written.
+std::string Substitute(Game&, std::string_view, char, SubstitutionKind) { return {}; }
 std::string SubstituteAll(Game&, std::string_view text) { return std::string(text); }
 
 }  // namespace tarve

@@ -9,8 +9,13 @@ namespace tarve {
 
 struct Game;
 
-// The four substitution passes, in their fixed order: string variables, numeric variables,
-// collectables, functions.
+enum class SubstitutionKind { kString = 1, kFunction = 2, kNumeric = 3, kCollectable = 4 };
+
+// One pass over `text` for one delimiter.
+std::string Substitute(Game& game, std::string_view text, char delimiter, SubstitutionKind kind);
+
+// The four passes, in their fixed order: string variables, numeric variables, collectables,
+// functions.
 std::string SubstituteAll(Game& game, std::string_view text);
 
 }  // namespace tarve

@@ -1,0 +1,49 @@
+// String and numeric variables: the two tables, their readers and writers, and the setstring and
+// setvar statements.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace tarve {
+
+struct Game;
+
+// The marker value an undefined numeric variable reads as.
+inline constexpr int16_t kUndefinedNumber = -32767;
+
+struct VariableEntry {
+  std::string name;  // as spelt by the last write
+  std::string value;
+};
+
+// Variables in order of creation, with an index by lower-cased name.
+struct VariableTable {
+  std::vector<VariableEntry> entries;
+  std::unordered_map<std::string, std::size_t> index;
+};
+
+struct Variables {
+  VariableTable strings;
+  VariableTable numerics;
+};
+
+// Which variables viewer a row belongs to.
+enum class VariableStore { kString = 1, kNumeric = 2, kCollectable = 3 };
+
+void SetStringVariable(Game& game, std::string_view name, std::string_view value);
+void SetNumericVariable(Game& game, std::string_view name, int16_t value);
+// Reading an undefined variable logs a warning and gives "" or kUndefinedNumber.
+std::string GetStringVariable(Game& game, std::string_view name);
+int16_t GetNumericVariable(Game& game, std::string_view name);
+// The entry of that name, or nullptr; nothing is logged.
+const VariableEntry* FindVariable(const VariableTable& table, std::string_view name);
+
+// setstring <name; text> and setvar <name; expression>, with the parameter already substituted.
+void ExecuteSetString(Game& game, std::string_view parameter);
+void ExecuteSetVar(Game& game, std::string_view parameter);
+
+}  // namespace tarve

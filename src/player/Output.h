@@ -1,0 +1,36 @@
+// Output formatting: PrintText, the one routine through which text reaches the player, with its
+// formatting codes; the font operations; waiting for a key; and the plain-text output file.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace tarve {
+
+struct Game;
+
+struct OutputState {
+  bool enabled = true;  // OutputEnabled: "outputoff" clears it
+  std::string current_default_font_name = "Courier New";
+  float current_default_font_size = 8.25f;
+  // The output file is opened at the first game start while the setting is on and stays open
+  // for the rest of the run.
+  std::FILE* file = nullptr;
+};
+
+void PrintText(Game& game, std::string_view text);
+void SetOutputFont(Game& game, std::string_view name);
+void SetOutputFontSize(Game& game, float size);
+void WriteOutputFile(Game& game, std::string_view text);
+// Shows the prompt of `parameter` ("" for the standard prompt, "<text>" for text) and waits for
+// a key press.
+void WaitForKey(Game& game, std::string_view parameter);
+
+// At every game start: opens the output file or writes its separator, and sets the pane's
+// styles to the defaults.
+void StartGameOutput(Game& game);
+// Closes the output file at the end of the run.
+void CloseOutputFile(Game& game);
+
+}  // namespace tarve
