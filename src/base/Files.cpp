@@ -56,6 +56,16 @@ bool ReadWholeFile(const std::string& path, std::string& bytes, std::size_t max_
   std::ifstream file(path, std::ios::binary);
   if (!file) return false;
   bytes.clear();
+  // Read straight into the string when the size is known; files whose size the system cannot
+  // tell (pipes) are read piece by piece.
+  const auto size = fs::file_size(path, ec);
+  if (!ec) {
+    if (size > max_bytes) return false;
+    bytes.resize(static_cast<std::size_t>(size));
+    file.read(bytes.data(), static_cast<std::streamsize>(size));
+    bytes.resize(static_cast<std::size_t>(file.gcount()));
+    if (file.bad()) return false;
+  }
   char buffer[65536];
   while (file) {
     file.read(buffer, sizeof buffer);

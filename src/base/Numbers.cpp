@@ -32,6 +32,22 @@ double OutOfRangeValue(std::string_view digits, std::size_t point, long exponent
 }  // namespace
 
 double Val(std::string_view text) {
+  // Most numbers a game reads are short whole numbers ("42", "-5"): read those directly.
+  {
+    std::size_t pos = (!text.empty() && (text[0] == '-' || text[0] == '+')) ? 1 : 0;
+    const std::size_t digits_from = pos;
+    long whole = 0;
+    while (pos < text.size() && pos - digits_from < 15 && IsDigit(text[pos])) {
+      whole = whole * 10 + (text[pos] - '0');
+      ++pos;
+    }
+    const bool ends_here = pos == text.size() ||
+                           (!IsDigit(text[pos]) && !IsSkippedInNumber(text[pos]) &&
+                            text[pos] != '.' && text[pos] != 'e' && text[pos] != 'E');
+    if (pos > digits_from && ends_here) {
+      return text[0] == '-' ? -static_cast<double>(whole) : static_cast<double>(whole);
+    }
+  }
   // Collect the number's characters with the skipped blanks removed, then convert once.
   std::string mantissa;  // digits only
   std::size_t point = std::string::npos;

@@ -330,11 +330,16 @@ std::optional<std::string> Utf8ToWindows1252(std::string_view text) {
   return out;
 }
 
-std::string DecodeGameText(std::string_view bytes) {
+std::string DecodeGameText(std::string file_bytes) {
   // A byte-order mark declares UTF-8; it is dropped whichever way the rest is read.
   constexpr std::string_view kBom = "\xEF\xBB\xBF";
+  std::string_view bytes = file_bytes;
   if (bytes.substr(0, kBom.size()) == kBom) bytes.remove_prefix(kBom.size());
-  if (IsValidUtf8(bytes)) return std::string(bytes);
+  if (IsValidUtf8(bytes)) {
+    // Valid UTF-8 is kept as it is, without a copy of the whole file.
+    if (bytes.size() != file_bytes.size()) file_bytes.erase(0, kBom.size());
+    return file_bytes;
+  }
   std::string out;
   out.reserve(bytes.size() + bytes.size() / 8);
   for (const char c : bytes) {

@@ -49,7 +49,7 @@ std::optional<std::string> Utf8ToWindows1252(std::string_view text);
 
 // Game files: UTF-8 when the bytes are valid UTF-8 (a byte-order mark is skipped), otherwise
 // Windows-1252.
-std::string DecodeGameText(std::string_view bytes);
+std::string DecodeGameText(std::string file_bytes);
 // Splits at CR LF, LF or a lone CR. A final line end does not start another line.
 std::vector<std::string> SplitLines(std::string_view text);
 

@@ -114,7 +114,7 @@ std::size_t CountOf(std::string_view text, char c) {
 bool ReadTextFileLines(const std::string& path, std::vector<std::string>& lines) {
   std::string bytes;
   if (!ReadWholeFile(path, bytes, kMaxGameFileBytes)) return false;
-  lines = SplitLines(DecodeGameText(bytes));
+  lines = SplitLines(DecodeGameText(std::move(bytes)));
   for (std::string& line : lines) {
     if (line.find('\t') != std::string::npos) line = ExpandTabs(line);
   }
@@ -130,9 +130,9 @@ bool RewriteBraces(Game& game) {
     const int end = text.blocks[static_cast<std::size_t>(b)].end;
     if (BeginsWith(text.Line(start), "define text")) continue;
     for (int i = start + 1; i < end; ++i) {
-      const std::string line = text.Line(i);
-      const std::size_t brace = line.find('{');
+      const std::size_t brace = text.Line(i).find('{');
       if (brace == std::string::npos) continue;
+      const std::string line = text.Line(i);  // the line is rewritten below
 
       const std::string name = "<!intproc" + std::to_string(game.intproc_counter++) + ">";
       std::vector<std::string> body;
