@@ -50,6 +50,13 @@ std::string FolderOf(std::string_view path) {
   return std::string(path.substr(0, slash + 1));
 }
 
+std::string FindDataFolder(const std::string& installed_folder) {
+  std::error_code ec;
+  const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+  if (!ec && fs::exists(exe.parent_path() / "tarve.dat", ec)) return exe.parent_path().string();
+  return installed_folder;
+}
+
 bool ReadWholeFile(const std::string& path, std::string& bytes, std::size_t max_bytes) {
   std::error_code ec;
   if (fs::is_directory(path, ec)) return false;

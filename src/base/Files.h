@@ -17,6 +17,10 @@ std::string FindFileNoCase(const std::string& path);
 // The folder of a file path, with a trailing "/" ("" for a bare file name).
 std::string FolderOf(std::string_view path);
 
+// The program's data folder (tarve.dat, libraries shared by games): the running executable's
+// own folder when it holds tarve.dat, as in a build tree, else `installed_folder`.
+std::string FindDataFolder(const std::string& installed_folder);
+
 // Reads a whole file. False when it cannot be opened or read, or is larger than `max_bytes`.
 bool ReadWholeFile(const std::string& path, std::string& bytes,
                    std::size_t max_bytes = std::size_t{256} << 20);

@@ -2,6 +2,7 @@
 // setvar statements.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -20,10 +21,21 @@ struct VariableEntry {
   std::string value;
 };
 
+// Hashing and equality of variable names that ignore case, so that a name can be looked up as
+// it is written in a script without lower-casing a copy of it first.
+struct VariableNameHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view name) const;
+};
+struct VariableNameEqual {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const;
+};
+
 // Variables in order of creation, with an index by lower-cased name.
 struct VariableTable {
   std::vector<VariableEntry> entries;
-  std::unordered_map<std::string, std::size_t> index;
+  std::unordered_map<std::string, std::size_t, VariableNameHash, VariableNameEqual> index;
 };
 
 struct Variables {

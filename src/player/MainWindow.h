@@ -22,6 +22,12 @@ void KeyPressed(Game& game);
 // The direction buttons 0-9 and the action buttons 0-3 with the chosen thing's name.
 void PressDirectionButton(Game& game, int index);
 void PressActionButton(Game& game, int index, std::string_view name);
+// F12 in the command box: the text to put back into it.
+const std::string& RecallLastCommand(const Game& game);
+
+// The "save" and "load" commands: ask for a saved-game file and save to it or load it.
+void MenuSave(Game& game);
+void MenuLoad(Game& game);
 
 // The input has ended (the terminal's standard input closed): every wait ends at once and no
 // later wait blocks.

@@ -1,15 +1,241 @@
 #include "player/Output.h"
 
+#include "base/Numbers.h"
+#include "base/Text.h"
+#include "interpreter/ScriptLog.h"
+#include "player/MainWindow.h"
+#include "script/CommonCode.h"
 #include "script/Game.h"
 
 namespace tarve {
 
-void PrintText(Game&, std::string_view) {}
-void SetOutputFont(Game&, std::string_view) {}
-void SetOutputFontSize(Game&, float) {}
-void WriteOutputFile(Game&, std::string_view) {}
-void WaitForKey(Game&, std::string_view) {}
-void StartGameOutput(Game&) {}
-void CloseOutputFile(Game&) {}
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kStandardKeyPrompt = "|nPress a key to continue...";
+// What the file gets before each new game's output: three line ends and 26 hyphens, with no
+// line end after them, so the game's first line follows the hyphens.
+constexpr std::string_view kOutputFileSeparator = "\r\n\r\n\r\n--------------------------";
+
+// The palette entries the colour codes name: light red, black, light blue, light yellow, green.
+constexpr Rgb kRed{255, 0, 0};
+constexpr Rgb kBlack{0, 0, 0};
+constexpr Rgb kBlue{0, 0, 255};
+constexpr Rgb kYellow{255, 255, 0};
+constexpr Rgb kGreen{0, 128, 0};
+
+bool OutputFileWanted(const Game& game) {
+  return game.settings.output_file && game.output.file != nullptr;
+}
+
+// Writes without flushing; PrintText flushes once when its whole text is written.
+void WriteOutputFileUnflushed(Game& game, std::string_view text) {
+  if (!OutputFileWanted(game) || text.empty()) return;
+  std::fwrite(text.data(), 1, text.size(), game.output.file.get());
+}
+
+void InsertPlain(Game& game, std::string_view run) {
+  if (run.empty()) return;
+  game.host.InsertText(run);
+  WriteOutputFileUnflushed(game, run);
+}
+
+// A style code: changes the pane unless the player's OverrideEffects setting ignores them.
+template <typename Change>
+void ApplyEffect(Game& game, Change change) {
+  if (!game.settings.override_effects) change(game.host);
+}
+
+// Acts on the code that starts at `code` (the text just after a bar) and returns how many
+// characters the code takes, bar included. The codes are tested in a fixed order against the
+// first one or two characters; the first that matches wins.
+std::size_t ApplyCode(Game& game, std::string_view code) {
+  Host& host = game.host;
+  const Settings& settings = game.settings;
+  const char first = code.empty() ? '\0' : code[0];
+  const char second = code.size() < 2 ? '\0' : code[1];
+  switch (first) {
+    case 'b':
+      ApplyEffect(game, [](Host& h) { h.SetBold(true); });
+      return 2;
+    case 'x':
+      if (second == 'b') {
+        ApplyEffect(game, [&](Host& h) { h.SetBold(settings.default_font_bold); });
+        return 3;
+      }
+      if (second == 'u') {
+        ApplyEffect(game, [](Host& h) { h.SetUnderline(false); });
+        return 3;
+      }
+      if (second == 'i') {
+        ApplyEffect(game, [&](Host& h) { h.SetItalic(settings.default_font_italic); });
+        return 3;
+      }
+      return 1;  // "|xn" means something only at the very end of the text
+    case 'u':
+      ApplyEffect(game, [](Host& h) { h.SetUnderline(true); });
+      return 2;
+    case 'i':
+      ApplyEffect(game, [](Host& h) { h.SetItalic(true); });
+      return 2;
+    case 'c': {
+      const Rgb* colour = nullptr;
+      switch (second) {
+        case 'r':
+          colour = &kRed;
+          break;
+        case 'b':
+          colour = &kBlack;
+          break;
+        case 'l':
+          colour = &kBlue;
+          break;
+        case 'y':
+          colour = &kYellow;
+          break;
+        case 'g':
+          colour = &kGreen;
+          break;
+        default:
+          break;
+      }
+      if (colour != nullptr) {
+        ApplyEffect(game, [colour](Host& h) { h.SetColour(*colour); });
+        return 3;
+      }
+      // Any other letter (or none) clears the pane; the letter itself is then printed.
+      host.ClearOutput();
+      return 2;
+    }
+    case 'n':
+      host.InsertText(kLineEnd);
+      WriteOutputFileUnflushed(game, kLineEnd);
+      return 2;
+    case 's': {
+      // The two characters after the "s" are the size, read leniently: "|s1Big" is size 1
+      // followed by "ig", and "|s00" returns to the default size.
+      const std::string_view digits = code.substr(1, ByteOffsetOfChar(code.substr(1), 2));
+      SetOutputFontSize(game, static_cast<float>(Val(digits)));
+      return 4;
+    }
+    case 'j':
+      if (second == 'c') {
+        host.SetAlignment(Alignment::kCentre);
+        return 3;
+      }
+      if (second == 'l') {
+        host.SetAlignment(Alignment::kLeft);
+        return 3;
+      }
+      if (second == 'r') {
+        host.SetAlignment(Alignment::kRight);
+        return 3;
+      }
+      return 1;
+    case 'w':
+      WaitForKey(game, "<>");
+      host.Repaint();
+      return 2;
+    default:
+      return 1;  // an unknown code: only the bar is dropped
+  }
+}
+
+}  // namespace
+
+void PrintText(Game& game, std::string_view text) {
+  if (!game.output.enabled) return;
+  bool line_end = true;
+  if (text.ends_with("|xn")) {
+    text.remove_suffix(3);
+    line_end = false;
+  }
+
+  std::size_t pos = 0;
+  while (true) {
+    if (pos < text.size() && text[pos] == '|') {
+      // Counts are in characters; a code cut short by the end of the text takes what is left.
+      const std::size_t chars = ApplyCode(game, text.substr(pos + 1));
+      pos += ByteOffsetOfChar(text.substr(pos), chars);
+    }
+    const std::size_t next = text.find('|', pos);
+    if (next == std::string_view::npos) {
+      InsertPlain(game, text.substr(pos));
+      break;
+    }
+    InsertPlain(game, text.substr(pos, next - pos));
+    pos = next;
+  }
+
+  if (line_end) {
+    game.host.InsertText(kLineEnd);
+    WriteOutputFileUnflushed(game, kLineEnd);
+  }
+  if (OutputFileWanted(game)) std::fflush(game.output.file.get());
+}
+
+void SetOutputFont(Game& game, std::string_view name) {
+  if (game.settings.override_all_fonts) name = {};
+  if (name.empty()) name = game.output.current_default_font_name;
+  game.host.SetFontName(std::string(name));
+}
+
+void SetOutputFontSize(Game& game, float size) {
+  if (game.settings.override_all_fonts) size = 0;
+  if (size == 0) size = game.output.current_default_font_size;
+  // No pane can show text at a negative size ("|s-5"): the size stays as it was.
+  if (size < 0) return;
+  game.host.SetFontSize(size);
+}
+
+void WriteOutputFile(Game& game, std::string_view text) {
+  if (!OutputFileWanted(game)) return;
+  WriteOutputFileUnflushed(game, text);
+  std::fflush(game.output.file.get());
+}
+
+void WaitForKey(Game& game, std::string_view parameter) {
+  const std::string prompt = parameter.empty() ? std::string(kStandardKeyPrompt)
+                                               : RetrieveParameter(game, parameter, true);
+  PrintText(game, prompt);
+
+  Host& host = game.host;
+  host.EnableGameControls(false);
+  game.window.waiting_for_key = true;
+  // Once no more input can come (the terminal's input has ended), waiting would never end.
+  if (!game.run.input_ended) {
+    host.ProcessEventsUntil(game, [&game] { return !game.window.waiting_for_key; });
+  }
+  game.window.waiting_for_key = false;
+  host.EnableGameControls(true);
+  host.FocusCommandBox();
+}
+
+void StartGameOutput(Game& game) {
+  OutputState& output = game.output;
+  const Settings& settings = game.settings;
+  output.enabled = true;
+  if (settings.output_file) {
+    if (output.file == nullptr) {
+      output.file.reset(std::fopen(settings.out_file.c_str(), "ab"));
+      if (output.file == nullptr) {
+        LogScriptError(game, "Warning: Unable to open the output file " + settings.out_file +
+                                 " - the game's text is not copied to it.");
+      } else if (std::fseek(output.file.get(), 0, SEEK_END) == 0 &&
+                 std::ftell(output.file.get()) > 0) {
+        WriteOutputFile(game, kOutputFileSeparator);
+      }
+    } else {
+      WriteOutputFile(game, kOutputFileSeparator);
+    }
+  }
+
+  SetOutputFont(game, "");
+  SetOutputFontSize(game, 0);
+  game.host.SetBold(settings.default_font_bold);
+  game.host.SetItalic(settings.default_font_italic);
+}
+
+void CloseOutputFile(Game& game) { game.output.file.reset(); }
 
 }  // namespace tarve

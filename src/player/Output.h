@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -10,13 +11,17 @@ namespace tarve {
 
 struct Game;
 
+struct OutputFileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
 struct OutputState {
   bool enabled = true;  // OutputEnabled: "outputoff" clears it
   std::string current_default_font_name = "Courier New";
   float current_default_font_size = 8.25f;
   // The output file is opened at the first game start while the setting is on and stays open
   // for the rest of the run.
-  std::FILE* file = nullptr;
+  std::unique_ptr<std::FILE, OutputFileCloser> file;
 };
 
 void PrintText(Game& game, std::string_view text);

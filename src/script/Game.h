@@ -13,6 +13,7 @@
 #include "player/Settings.h"
 #include "script/CommonCode.h"
 #include "script/Host.h"
+#include "script/KeywordTable.h"
 #include "world/CommandParser.h"
 #include "world/Items.h"
 #include "world/PlayerMessages.h"
@@ -57,7 +58,12 @@ struct Game {
   OutputState output;
   MainWindowState window;
   std::string program_folder;  // the data folder: tarve.dat, libraries' second home
+  KeywordTable keywords;       // of compiled games, from tarve.dat
   bool game_was_open = false;
+  // Games read by OpenGame in this run, and how deeply OpenGame is running inside itself (a
+  // start script that loads a saved game opens a game within the opening of another).
+  int games_opened = 0;
+  int open_game_depth = 0;
   std::mt19937 random{5489u};
 
   // The open game.

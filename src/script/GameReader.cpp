@@ -6,6 +6,7 @@
 #include "base/Text.h"
 #include "interpreter/ScriptLog.h"
 #include "script/CommonCode.h"
+#include "script/CompiledGame.h"
 #include "script/Game.h"
 
 namespace tarve {
@@ -225,21 +226,29 @@ void JoinContinuations(Game& game) {
 
 bool ReadGameFile(Game& game, const std::string& path) {
   const std::string extension = LCase(CharRight(path, 4));
+  std::vector<std::string> lines;
   if (extension == ".cgw") {
-    LogScriptError(game, "Error: Compiled games (.cgw) cannot be opened by this version of Tarve.");
-    return false;
-  }
-  if (extension != ".gwl") {
+    std::string bytes;
+    if (!ReadWholeFile(path, bytes, kMaxGameFileBytes)) {
+      LogScriptError(game, "Error: Unable to read the file " + path + ".");
+      return false;
+    }
+    if (!game.keywords.loaded) {
+      LogScriptError(game, "Error: Compiled games cannot be opened without the keyword table "
+                           "tarve.dat.");
+      return false;
+    }
+    if (!ReadCompiledGame(game, bytes, lines)) return false;
+  } else if (extension == ".gwl") {
+    if (!ReadTextFileLines(path, lines)) {
+      LogScriptError(game, "Error: Unable to read the file " + path + ".");
+      return false;
+    }
+  } else {
     game.host.ShowMessage(
         "Unrecognized file extension!\n\nTarve can only read game files with .GWL or .CGW "
         "extensions.",
         "Error", kOkOnly);
-    return false;
-  }
-
-  std::vector<std::string> lines;
-  if (!ReadTextFileLines(path, lines)) {
-    LogScriptError(game, "Error: Unable to read the file " + path + ".");
     return false;
   }
   if (lines.size() > static_cast<std::size_t>(kMaxGameLines)) {

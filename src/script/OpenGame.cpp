@@ -1,15 +1,33 @@
 #include "script/OpenGame.h"
 
+#include <cmath>
 #include <ctime>
+#include <fstream>
+#include <vector>
 
 #include "base/Files.h"
+#include "base/Numbers.h"
+#include "base/Text.h"
+#include "interpreter/ExecuteScript.h"
 #include "interpreter/ScriptLog.h"
+#include "player/Output.h"
+#include "script/CommonCode.h"
 #include "script/Game.h"
 #include "script/GameReader.h"
+#include "world/CommandParser.h"
+#include "world/Items.h"
+#include "world/PlayerMessages.h"
+#include "world/World.h"
 
 namespace tarve {
 
 namespace {
+
+constexpr const char* kProgressCaption = "Initialising...";
+constexpr const char* kFutureVersionText =
+    "Warning - this game has been designed to work with a newer version of Tarve. As a result, "
+    "some elements may not work correctly or at all. It is strongly suggested that you upgrade "
+    "your version of Tarve.";
 
 std::string FormatNow(const char* format) {
   std::time_t now = std::time(nullptr);
@@ -20,29 +38,225 @@ std::string FormatNow(const char* format) {
   return std::string(buffer, n);
 }
 
+// The game log file marks where each game's messages begin; after an earlier game it first
+// sets the new game apart with empty lines and a line of hyphens.
+void MarkNewGameInLogFile(Game& game) {
+  const Settings& settings = game.settings;
+  if (!settings.log_errors) return;
+  if (!game.log.unwritable_file.empty() && game.log.unwritable_file == settings.log_file) return;
+  std::ofstream file(settings.log_file, std::ios::binary | std::ios::app);
+  if (!file) return;  // the first message logged after this notes the unwritable file
+  if (game.game_was_open) file << "\r\n\r\n--------------------------\r\n";
+  file << "\r\n(Start of new game)\r\n";
+}
+
+void ReportUnableToOpen(Game& game, const std::string& path) {
+  LogScriptError(game, "Unable to open " + path);
+  game.host.SetBusy(false);
+  game.host.ShowMessage("Unable to open " + path, "Error", kOkOnly);
+  game.host.CloseProgress();
+}
+
+// The lines strictly inside the game block, in order.
+std::vector<int> GameBlockLines(BlockRange block) {
+  std::vector<int> lines;
+  for (int i = block.start + 1; i < block.end; ++i) lines.push_back(i);
+  return lines;
+}
+
+// The language version the game declares, with its warnings. Problems never stop the opening.
+void CheckVersion(Game& game, BlockRange game_block) {
+  const GameText& text = game.text;
+  int version_line = 0;
+  for (int i : GameBlockLines(game_block)) {
+    if (BeginsWith(text.Line(i), "gwl-version ")) {
+      version_line = i;
+      break;
+    }
+  }
+  if (version_line == 0) {
+    LogScriptError(game, "Warning: File contains no version header.");
+    return;
+  }
+  const double rounded =
+      std::nearbyint(Val(RetrieveParameter(game, text.Line(version_line), true)));
+  // A number outside the 16-bit range is still far newer (or older) than any known version.
+  if (std::optional<int16_t> version = ToInt16(rounded)) {
+    game.run.game_version = *version;
+  } else {
+    game.run.game_version = rounded > 0 ? INT16_MAX : INT16_MIN;
+  }
+  if (rounded > kLanguageVersion) {
+    game.host.ShowMessage(kFutureVersionText, "Tarve version error", kOkOnly + kExclamation);
+    LogScriptError(game, "Warning: File contains future version header (greater than " +
+                             std::to_string(kLanguageVersion) + ").");
+  } else if (rounded == 0) {
+    LogScriptError(game, "Warning: File contains invalid version header.");
+  }
+  const int16_t v = game.run.game_version;
+  if (v != 100 && v != 200 && v != 210 && v != 217) {
+    LogScriptError(game, "Warning: Unrecognised GWL version number.");
+  }
+}
+
+// The default font of the output: the player's own, unless the game names one and the player
+// lets games choose their fonts. An empty name or a size of 0 falls back to the player's.
+void ReadDefaultFont(Game& game, BlockRange game_block) {
+  const Settings& settings = game.settings;
+  std::string name = settings.default_font_name;
+  float size = settings.default_font_size;
+  const bool forced = settings.override_game_default_font || settings.override_all_fonts;
+  if (!forced) {
+    for (int i : GameBlockLines(game_block)) {
+      const std::string& line = game.text.Line(i);
+      if (BeginsWith(line, "default fontname ")) {
+        name = RetrieveParameter(game, line, true);
+      } else if (BeginsWith(line, "default fontsize ")) {
+        size = static_cast<float>(Val(RetrieveParameter(game, line, true)));
+      }
+    }
+  }
+  // A negative size cannot be shown either: it falls back like 0.
+  if (name.empty()) name = settings.default_font_name;
+  if (!(size > 0)) size = settings.default_font_size;
+  game.output.current_default_font_name = name;
+  game.output.current_default_font_size = size;
+}
+
+bool HasNoDebugLine(const Game& game, BlockRange game_block) {
+  for (int i : GameBlockLines(game_block)) {
+    if (TrimView(game.text.Line(i)) == "nodebug") return true;
+  }
+  return false;
+}
+
+// Builds the world and the game's tables from its text, raising the progress bar as it goes.
+void BuildGame(Game& game, BlockRange game_block) {
+  Host& host = game.host;
+  ResetPlayerMessages(game);
+  ReadSynonyms(game);
+  SetUpItems(game);
+  host.ShowProgress(kProgressCaption, 20);
+  SetUpStartItems(game);
+  SetUpCollectables(game);
+  host.ShowProgress(kProgressCaption, 30);
+  BuildWorldTables(game);
+  ReadMessageOverrides(game);
+  ReadDefaultFont(game, game_block);
+  ReadTurnScripts(game);
+  host.ShowProgress(kProgressCaption, 40);
+}
+
+// Runs the start scripts; false when one of them opened another game, which then stands in
+// place of this one.
+bool RunStartScripts(Game& game, BlockRange game_block) {
+  // The statements are taken first: a script must not see the lines change under it.
+  std::vector<std::string> statements;
+  for (int i : GameBlockLines(game_block)) {
+    const std::string& line = game.text.Line(i);
+    if (!BeginsWith(line, "startscript ")) continue;
+    statements.push_back(Trim(TrimView(line).substr(std::string_view("startscript").size())));
+  }
+  game.run.show_intro = true;
+  const int opening = game.games_opened;
+  for (const std::string& statement : statements) {
+    ExecuteScript(game, statement);
+    if (game.games_opened != opening) return false;
+  }
+  return true;
+}
+
+// The room of the last "start " line, entered after the introduction.
+void EnterStartRoom(Game& game, BlockRange game_block) {
+  int start_line = 0;
+  for (int i : GameBlockLines(game_block)) {
+    if (BeginsWith(game.text.Line(i), "start ")) start_line = i;
+  }
+  if (start_line == 0) {
+    LogScriptError(game, "Warning: The game has no 'start' line, so play begins in no room.");
+    return;
+  }
+  const std::string room = RetrieveParameter(game, game.text.Line(start_line), true);
+  if (!FindBlockByName(game, "room", room).Found()) {
+    LogScriptError(game, "Warning: The start room '" + room + "' does not exist.");
+  }
+  EnterRoom(game, room);
+}
+
+bool OpenGameNow(Game& game, const std::string& path, bool installed) {
+  Host& host = game.host;
+  host.StopMidi();
+  host.ShowProgress(kProgressCaption, 0);
+
+  host.SetBusy(true);
+  host.ClearOutput();
+  host.ClearCommandBox();
+  host.SetStatusText("");
+
+  MarkNewGameInLogFile(game);
+  LogScriptError(game, std::string("Tarve ") + kPlayerVersion);
+  LogScriptError(game, "Opening file " + path + " on " + FormatNow("%d/%m/%Y") + " at " +
+                           FormatNow("%H:%M:%S"));
+  host.EnableGameControls(true);
+  ResetGameTables(game);
+
+  if (!LoadGameText(game, path)) {
+    ResetGameTables(game);
+    return false;
+  }
+  const BlockRange game_block = FindBlock(game, "game");
+  if (!game_block.Found()) {
+    // Without a game block there is no name, no start room and nothing to play.
+    LogScriptError(game, "Error: " + path + " has no 'define game' block, so it cannot be played.");
+    ReportUnableToOpen(game, path);
+    ResetGameTables(game);
+    return false;
+  }
+  game.game_was_open = true;
+  ++game.games_opened;
+
+  CheckVersion(game, game_block);
+  game.run.game_name = RetrieveParameter(game, game.text.Line(game_block.start), true);
+  host.SetCaption(std::string("Tarve ") + kPlayerVersion + " - \"" + game.run.game_name + "\"");
+
+  BuildGame(game, game_block);
+  game.run.debug_allowed = !HasNoDebugLine(game, game_block);
+  host.ShowDebugMenu(game.run.debug_allowed);
+  LogScriptError(game, "Finished loading file.");
+  game.run.installed_game = installed;
+
+  host.SetBusy(false);
+  host.CloseProgress();
+  StartGameOutput(game);
+
+  if (!RunStartScripts(game, game_block)) return true;
+  if (game.run.show_intro) DisplayText(game, "intro");
+  EnterStartRoom(game, game_block);
+  PrintText(game, "");
+  host.FocusCommandBox();
+  return true;
+}
+
 }  // namespace
 
 bool LoadGameText(Game& game, const std::string& path) {
   game.game_file = path;
   game.game_path = FolderOf(path);
   if (ReadGameFile(game, path)) return true;
-  LogScriptError(game, "Unable to open " + path);
-  game.host.ShowMessage("Unable to open " + path, "Error", kOkOnly);
-  game.host.CloseProgress();
+  ReportUnableToOpen(game, path);
   return false;
 }
 
-bool OpenGame(Game& game, const std::string& path) {
-  game.host.ShowProgress("Initialising...", 0);
-  LogScriptError(game, std::string("Tarve ") + kPlayerVersion);
-  LogScriptError(game, "Opening file " + path + " on " + FormatNow("%d/%m/%Y") + " at " +
-                           FormatNow("%H:%M:%S"));
-  ResetGameTables(game);
-  game.game_was_open = true;
-  if (!LoadGameText(game, path)) return false;
-  LogScriptError(game, "Finished loading file.");
-  game.host.CloseProgress();
-  return true;
+bool OpenGame(Game& game, const std::string& path, bool installed) {
+  if (game.open_game_depth >= kMaxNestedOpenings) {
+    LogScriptError(game, "Error: Games opened from the start scripts of games nest too deeply; " +
+                             path + " is not opened.");
+    return false;
+  }
+  ++game.open_game_depth;
+  const bool opened = OpenGameNow(game, path, installed);
+  --game.open_game_depth;
+  return opened;
 }
 
 }  // namespace tarve

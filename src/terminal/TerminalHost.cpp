@@ -1,11 +1,24 @@
 #include "terminal/TerminalHost.h"
 
+#include <charconv>
+#include <chrono>
+#include <thread>
+
 #include "base/Text.h"
+#include "player/MainWindow.h"
+#include "script/Game.h"
 
 namespace tarve {
 
-TerminalHost::TerminalHost(std::istream& in, std::ostream& out, bool styled)
-    : in_(in), out_(out), styled_(styled) {}
+namespace {
+
+// The selection dialog has room for eight answers; later ones are never offered.
+constexpr std::size_t kShownAnswers = 8;
+
+}  // namespace
+
+TerminalHost::TerminalHost(std::istream& in, std::ostream& out, bool terminal, bool styled)
+    : in_(in), out_(out), terminal_(terminal), styled_(styled) {}
 
 TerminalHost::~TerminalHost() {
   if (styled_ && style_emitted_) out_ << "\x1b[0m";
@@ -24,6 +37,7 @@ bool TerminalHost::OpenTranscript(const std::string& path) {
 
 std::optional<std::string> TerminalHost::ReadLine() {
   out_.flush();
+  if (transcript_.is_open()) transcript_.flush();
   std::string line;
   if (input_ended_ || !std::getline(in_, line)) {
     input_ended_ = true;
@@ -72,10 +86,19 @@ void TerminalHost::EmitStyle() {
   style_emitted_ = true;
 }
 
+void TerminalHost::ResetStyle() {
+  if (styled_ && style_emitted_) {
+    out_ << "\x1b[0m";
+    style_dirty_ = true;
+  }
+}
+
 void TerminalHost::InsertText(std::string_view text) {
-  if (text.empty()) return;
+  // Once the player has quit, the game's window is gone: nothing more is shown.
+  if (text.empty() || closed_) return;
   EmitStyle();
   Write(text);
+  pane_has_text_ = true;
 }
 
 void TerminalHost::SetBold(bool on) {
@@ -96,17 +119,19 @@ void TerminalHost::SetColour(Rgb colour) {
 }
 
 void TerminalHost::ClearOutput() {
-  if (styled_) out_ << "\x1b[2J\x1b[H";
+  // A pipe or a file keeps everything: only a screen is cleared, and only when the game has
+  // written on it (opening a game clears its empty pane, which must not wipe the terminal).
+  if (terminal_ && !closed_ && pane_has_text_) out_ << "\x1b[2J\x1b[H";
+  pane_has_text_ = false;
 }
 
 int TerminalHost::ShowMessage(const std::string& text, const std::string& title, int style) {
-  if (styled_ && style_emitted_) {
-    out_ << "\x1b[0m";
-    style_dirty_ = true;
-  }
-  WriteLine("[" + title + "] " + text);
   const int buttons = style & 7;
-  if (buttons != kYesNo && buttons != kOkCancel) return kAnswerOk;
+  const bool asks = buttons == kYesNo || buttons == kOkCancel;
+  if (closed_) return buttons == kYesNo ? kAnswerNo : (asks ? kAnswerCancel : kAnswerOk);
+  ResetStyle();
+  WriteLine("[" + title + "] " + text);
+  if (!asks) return kAnswerOk;
   std::optional<std::string> answer = ReadLine();
   const bool yes = answer && !answer->empty() &&
                    (StartsWithNoCase(*answer, "y") || StartsWithNoCase(*answer, "o"));
@@ -116,6 +141,8 @@ int TerminalHost::ShowMessage(const std::string& text, const std::string& title,
 
 std::optional<std::string> TerminalHost::InputBox(const std::string& title,
                                                   const std::string& prompt) {
+  if (closed_) return std::nullopt;
+  ResetStyle();
   WriteLine("[" + title + "] " + prompt);
   return ReadLine();
 }
@@ -124,6 +151,73 @@ void TerminalHost::ScriptLogAppended(std::string_view message) {
   if (!log_.is_open()) return;
   log_ << message << '\n';
   log_.flush();
+}
+
+void TerminalHost::ProcessEventsUntil(Game& game, const std::function<bool()>& done) {
+  // Each input line is what the command box would receive on Enter: while a key wait is
+  // pending it is the key that ends the wait; otherwise it goes to the command box (where a
+  // waiting `enter` takes it).
+  while (!done() && !closed_) {
+    // Once the game is over its command box takes nothing, so only a key could still end a
+    // wait; the terminal player ends after this turn anyway.
+    if (game.run.game_over && !game.window.waiting_for_key) {
+      EndAllWaits(game);
+      return;
+    }
+    std::optional<std::string> line = ReadLine();
+    if (!line) {
+      EndAllWaits(game);
+      return;
+    }
+    if (game.window.waiting_for_key) {
+      KeyPressed(game);
+    } else {
+      SubmitCommand(game, *line);
+    }
+  }
+}
+
+int TerminalHost::ShowSelection(const std::string& prompt,
+                                const std::vector<std::string>& answers) {
+  // The game has printed the prompt itself ("- PROMPT"), so only the answers are listed.
+  (void)prompt;
+  if (closed_) return -1;
+  ResetStyle();
+  const std::size_t shown = std::min(answers.size(), kShownAnswers);
+  if (shown == 0) return -1;
+  for (std::size_t i = 0; i < shown; ++i) {
+    WriteLine("  " + std::to_string(i + 1) + ". " + answers[i]);
+  }
+  // The dialog opens with its first answer chosen: anything but the number of another answer
+  // confirms that one. When the input has ended, nobody confirms anything.
+  std::optional<std::string> line = ReadLine();
+  if (!line) return -1;
+  const std::string_view text = TrimView(*line);
+  std::size_t number = 0;
+  auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (ec != std::errc() || end != text.data() + text.size() || number < 1 || number > shown) {
+    return 0;
+  }
+  return static_cast<int>(number) - 1;
+}
+
+std::optional<std::string> TerminalHost::ChooseSavedGameFile(bool save) {
+  std::optional<std::string> path = InputBox(save ? "Save game" : "Load game", "File name:");
+  if (!path || TrimView(*path).empty()) return std::nullopt;
+  return Trim(*path);
+}
+
+void TerminalHost::CloseGame(bool end_program) {
+  // Without a launcher to return to, closing the game always ends the terminal player.
+  (void)end_program;
+  closed_ = true;
+}
+
+void TerminalHost::Sleep(int milliseconds) {
+  // A pause paces a reader at the screen; played into a file or a pipe it only costs time.
+  if (!terminal_ || milliseconds <= 0 || closed_) return;
+  out_.flush();
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
 }  // namespace tarve

@@ -1,6 +1,6 @@
 // The terminal player's host: the output pane becomes standard output (with ANSI styles on a
 // terminal), message boxes and dialogs become lines that are printed and answered on standard
-// input.
+// input, and waiting for the player means reading the next input line.
 #pragma once
 
 #include <cstdio>
@@ -15,7 +15,9 @@ namespace tarve {
 
 class TerminalHost : public Host {
  public:
-  TerminalHost(std::istream& in, std::ostream& out, bool styled);
+  // `terminal`: standard output is a terminal (the screen can be cleared, pauses are kept);
+  // `styled`: the formatting codes become ANSI styles.
+  TerminalHost(std::istream& in, std::ostream& out, bool terminal, bool styled);
   ~TerminalHost() override;
 
   bool OpenLogFile(const std::string& path);
@@ -24,6 +26,8 @@ class TerminalHost : public Host {
   // The next input line without its line end; nothing at the end of the input.
   std::optional<std::string> ReadLine();
   bool InputEnded() const { return input_ended_; }
+  // The player quit: the game is closed and the program ends.
+  bool Closed() const { return closed_; }
 
   // Writes text of the player's own (not the game's) on a line of its own.
   void WriteLine(std::string_view text);
@@ -38,15 +42,25 @@ class TerminalHost : public Host {
   int ShowMessage(const std::string& text, const std::string& title, int style) override;
   std::optional<std::string> InputBox(const std::string& title, const std::string& prompt) override;
   void ScriptLogAppended(std::string_view message) override;
+  void ProcessEventsUntil(Game& game, const std::function<bool()>& done) override;
+  int ShowSelection(const std::string& prompt, const std::vector<std::string>& answers) override;
+  std::optional<std::string> ChooseSavedGameFile(bool save) override;
+  void CloseGame(bool end_program) override;
+  void Sleep(int milliseconds) override;
 
  private:
   void Write(std::string_view text);
   void EmitStyle();
+  // Message boxes and dialogs are written in the terminal's own colours.
+  void ResetStyle();
 
   std::istream& in_;
   std::ostream& out_;
+  bool terminal_;
   bool styled_;
   bool input_ended_ = false;
+  bool closed_ = false;
+  bool pane_has_text_ = false;  // the game has written since the pane was last cleared
   std::ofstream log_;
   std::ofstream transcript_;
 

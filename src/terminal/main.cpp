@@ -2,6 +2,8 @@
 // games, and for the transcript tests.
 #include <unistd.h>
 
+#include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -9,8 +11,12 @@
 #include <string>
 #include <vector>
 
+#include "base/Files.h"
+#include "player/MainWindow.h"
+#include "player/Output.h"
 #include "script/CommonCode.h"
 #include "script/Game.h"
+#include "script/KeywordTable.h"
 #include "script/OpenGame.h"
 #include "terminal/CommandLine.h"
 #include "terminal/TerminalHost.h"
@@ -22,16 +28,11 @@
 namespace tarve {
 namespace {
 
-// The data folder: the executable's own folder when it holds tarve.dat (a build tree), else the
-// installed data folder.
-std::string ProgramFolder() {
-  std::error_code ec;
-  std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
-  if (!ec) {
-    std::filesystem::path folder = exe.parent_path();
-    if (std::filesystem::exists(folder / "tarve.dat", ec)) return folder.string();
-  }
-  return TARVE_INSTALLED_DATA_DIR;
+// Without --seed the random numbers start from the clock, as every run of a game should differ.
+std::uint32_t ClockSeed() {
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  return static_cast<std::uint32_t>(
+      std::chrono::duration_cast<std::chrono::microseconds>(now).count());
 }
 
 void Dump(TerminalHost& host, const GameText& text) {
@@ -60,9 +61,9 @@ int Run(const std::vector<std::string>& args) {
     std::cout << kUsage;
     return 0;
   }
-  const bool styled =
-      !options->plain && isatty(STDOUT_FILENO) && std::getenv("NO_COLOR") == nullptr;
-  TerminalHost host(std::cin, std::cout, styled);
+  const bool terminal = isatty(STDOUT_FILENO) != 0;
+  const bool styled = !options->plain && terminal && std::getenv("NO_COLOR") == nullptr;
+  TerminalHost host(std::cin, std::cout, terminal, styled);
   if (!options->log_file.empty() && !host.OpenLogFile(options->log_file)) {
     std::cerr << "tarve-cli: cannot write the log file " << options->log_file << "\n";
     return 2;
@@ -77,16 +78,29 @@ int Run(const std::vector<std::string>& args) {
   }
 
   Game game(host);
-  game.program_folder = ProgramFolder();
+  game.program_folder = FindDataFolder(TARVE_INSTALLED_DATA_DIR);
+  LoadKeywordTable(game);
 
   if (options->dump) {
     if (!LoadGameText(game, options->file)) return 1;
     Dump(host, game.text);
     return 0;
   }
+
+  game.random.seed(options->seed ? static_cast<std::uint32_t>(*options->seed) : ClockSeed());
+  game.window.blank_line_after_turn = options->blank_line;
+  game.run.opened_from_command_line = true;
   if (!OpenGame(game, options->file)) return 1;
-  host.WriteLine("Read " + options->file + ": " + std::to_string(game.text.LineCount()) +
-                 " lines in " + std::to_string(game.text.BlockCount()) + " blocks.");
+
+  // Each input line is what the command box receives on Enter. The game ends with the input,
+  // when the player quits, or when the game itself is over (won or lost), since its command box
+  // takes nothing more.
+  while (!host.Closed() && !game.run.game_over) {
+    std::optional<std::string> line = host.ReadLine();
+    if (!line) break;
+    SubmitCommand(game, *line);
+  }
+  CloseOutputFile(game);
   return 0;
 }
 

@@ -2,8 +2,10 @@
 // flags scripts change, the current room, and the lookups of their tag lines.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "script/CommonCode.h"
@@ -29,16 +31,37 @@ struct Thing {
   bool visible = true;  // cleared by an "invisible" line and by concealobject/concealchar
 };
 
+// Lower-cased names to the positions of the records that carry them, so that a lookup by name
+// neither walks nor lower-cases the whole table. Names never change once the tables are built;
+// the index is made again whenever its table has grown, shrunk or moved in memory.
+struct ThingIndex {
+  std::unordered_map<std::string, std::vector<std::size_t>> by_name;
+  const Thing* table_data = nullptr;
+  std::size_t table_size = 0;
+  bool built = false;
+};
+
 struct World {
   std::vector<Thing> characters;
   std::vector<Thing> objects;
   std::string current_room;
+  ThingIndex character_index;
+  ThingIndex object_index;
 };
+
+// The room of a thing defined outside every room block, until its startin line is read.
+inline constexpr const char* kUnknownRoom = "__UNKNOWN";
 
 // Builds both tables from the game text (at game opening).
 void BuildWorldTables(Game& game);
 
 std::vector<Thing>& ThingsOf(Game& game, ThingKind kind);
+// Every record of that name (ignoring case), in table order.
+std::vector<Thing*> ThingsNamed(Game& game, ThingKind kind, std::string_view name);
+// The records a statement or test means by `reference`: "name@room" names the things of that
+// name in that room; a bare name the ones in the current room when there are any there, else
+// those in the room of the first record of that name. Empty when no record fits.
+std::vector<Thing*> SelectThings(Game& game, ThingKind kind, std::string_view reference);
 // The first thing of that name in that room (both compared ignoring case), or nullptr.
 Thing* FindThing(Game& game, ThingKind kind, std::string_view name, std::string_view room);
 BlockRange FindThingBlock(Game& game, ThingKind kind, std::string_view name, std::string_view room);

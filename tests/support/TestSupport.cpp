@@ -5,12 +5,101 @@
 #include <filesystem>
 #include <fstream>
 
+#include "base/Numbers.h"
+#include "player/MainWindow.h"
 #include "script/GameReader.h"
 
 namespace tarve::test {
 
+void RecordingHost::InsertText(std::string_view text) {
+  output.append(text);
+  styled.append(text);
+}
+
+void RecordingHost::SetColour(Rgb colour) {
+  styled += "{colour:" + std::to_string(colour.r) + "," + std::to_string(colour.g) + "," +
+            std::to_string(colour.b) + "}";
+}
+
+void RecordingHost::SetFontSize(float size) { styled += "{size:" + FormatSingle(size) + "}"; }
+
+void RecordingHost::SetAlignment(Alignment alignment) {
+  switch (alignment) {
+    case Alignment::kLeft:
+      styled += "{align:left}";
+      break;
+    case Alignment::kCentre:
+      styled += "{align:centre}";
+      break;
+    case Alignment::kRight:
+      styled += "{align:right}";
+      break;
+  }
+}
+
+void RecordingHost::ClearOutput() {
+  output.clear();
+  styled += "{clear}";
+}
+
+std::optional<std::string> RecordingHost::InputBox(const std::string& title,
+                                                   const std::string& prompt) {
+  input_boxes.push_back("[" + title + "] " + prompt);
+  if (input_box_answers.empty()) return std::nullopt;
+  std::optional<std::string> answer = input_box_answers.front();
+  input_box_answers.pop_front();
+  return answer;
+}
+
+void RecordingHost::ShowProgress(const std::string& caption_text, int percent) {
+  progress.push_back(caption_text + " " + std::to_string(percent));
+}
+
+void RecordingHost::ProcessEventsUntil(Game& game, const std::function<bool()>& done) {
+  waits.push_back(output);
+  while (!done()) {
+    if (input.empty()) {
+      EndAllWaits(game);
+      return;
+    }
+    const std::string line = input.front();
+    input.pop_front();
+    if (game.window.waiting_for_key) {
+      KeyPressed(game);
+    } else {
+      SubmitCommand(game, line);
+    }
+  }
+}
+
+int RecordingHost::ShowSelection(const std::string& prompt,
+                                 const std::vector<std::string>& answers) {
+  std::string record = prompt + ":";
+  for (std::size_t i = 0; i < answers.size(); ++i) record += (i == 0 ? " " : "|") + answers[i];
+  selections.push_back(record);
+  if (answers.empty()) return -1;
+  if (selection_answers.empty()) return 0;
+  const int answer = selection_answers.front();
+  selection_answers.pop_front();
+  return answer;
+}
+
+std::optional<std::string> RecordingHost::ChooseSavedGameFile(bool save) {
+  file_dialogs.push_back(save ? "save" : "load");
+  if (file_dialog_answers.empty()) return std::nullopt;
+  std::optional<std::string> answer = file_dialog_answers.front();
+  file_dialog_answers.pop_front();
+  return answer;
+}
+
+void RecordingHost::EnableGameControls(bool on) {
+  controls_enabled = on;
+  control_changes.push_back(on);
+}
+
 int RecordingHost::ShowMessage(const std::string& text, const std::string& title, int style) {
   messages.push_back("[" + title + "] " + text);
+  message_styles.push_back(style);
   int answer = 0;
   if (!answers.empty()) {
     answer = answers.front();

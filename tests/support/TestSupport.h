@@ -3,6 +3,8 @@
 #pragma once
 
 #include <deque>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,18 +14,115 @@
 
 namespace tarve::test {
 
-// Keeps everything the engine asked of its host, and answers message boxes from a script.
+// Keeps everything the engine asked of its host, and answers message boxes, input boxes,
+// selections and waits from a script.
 class RecordingHost : public Host {
  public:
-  void InsertText(std::string_view text) override { output.append(text); }
-  void ClearOutput() override { output.clear(); }
+  void InsertText(std::string_view text) override;
+  void SetBold(bool on) override { styled += on ? "{b}" : "{/b}"; }
+  void SetItalic(bool on) override { styled += on ? "{i}" : "{/i}"; }
+  void SetUnderline(bool on) override { styled += on ? "{u}" : "{/u}"; }
+  void SetColour(Rgb colour) override;
+  void SetFontName(const std::string& name) override { styled += "{font:" + name + "}"; }
+  void SetFontSize(float size) override;
+  void SetAlignment(Alignment alignment) override;
+  void ClearOutput() override;
+  void Repaint() override { ++repaints; }
   int ShowMessage(const std::string& text, const std::string& title, int style) override;
+  std::optional<std::string> InputBox(const std::string& title, const std::string& prompt) override;
   void ScriptLogAppended(std::string_view message) override { log.emplace_back(message); }
+  void ShowProgress(const std::string& caption, int percent) override;
+  void CloseProgress() override { progress.push_back("closed"); }
+  // Replays `input` the way the terminal does: a line ends a key wait, otherwise it goes to the
+  // command box; when the script runs out, every wait ends.
+  void ProcessEventsUntil(Game& game, const std::function<bool()>& done) override;
+  int ShowSelection(const std::string& prompt, const std::vector<std::string>& answers) override;
+  std::optional<std::string> ChooseSavedGameFile(bool save) override;
 
+  void SetCaption(const std::string& text) override { caption = text; }
+  void SetLocation(const std::string& text) override { location = text; }
+  void SetStatusText(const std::string& text) override { status_text = text; }
+  void SetDirections(const std::string& letters) override { directions = letters; }
+  void SetThingsHere(const std::vector<ListedThing>& things) override { things_here = things; }
+  void SetItems(const std::string& text) override { items = text; }
+  void SetCollectables(const std::vector<std::string>& lines) override { collectables = lines; }
+  void EnableGameControls(bool on) override;
+  void ShowDebugMenu(bool shown) override { debug_menu_shown = shown; }
+  void GameOver() override { game_over = true; }
+  void ClearCommandBox() override { ++command_box_clears; }
+  void FocusCommandBox() override { ++command_box_focus; }
+  void SetBusy(bool on) override { busy = on; }
+  void CloseGame(bool end_program) override { closed.push_back(end_program); }
+
+  // The pane as it reads now (a clear empties it).
   std::string output;
+  // Every pane operation since the start, with style changes as markers: "{b}" "{/b}" "{i}"
+  // "{/i}" "{u}" "{/u}" "{colour:255,0,0}" "{font:NAME}" "{size:12}" "{align:centre}" and
+  // "{clear}" between the inserted texts.
+  std::string styled;
+  int repaints = 0;
   std::vector<std::string> messages;  // "[TITLE] TEXT" for each message box
+  std::vector<int> message_styles;    // the style of each message box
   std::vector<std::string> log;
   std::deque<int> answers;  // given to message boxes in turn; OK/Yes when empty
+
+  // Input lines for ProcessEventsUntil, and the pane's text at the start of each wait.
+  std::deque<std::string> input;
+  std::vector<std::string> waits;
+  // Input boxes: "[TITLE] PROMPT" for each, answered in turn (cancelled when none is left).
+  std::vector<std::string> input_boxes;
+  std::deque<std::optional<std::string>> input_box_answers;
+  // Selections: "PROMPT: A|B|C" for each, answered in turn with an index (the first when none
+  // is left).
+  std::vector<std::string> selections;
+  std::deque<int> selection_answers;
+  // Saved-game file dialogs: "save" or "load" for each, answered in turn (cancelled when none
+  // is left).
+  std::vector<std::string> file_dialogs;
+  std::deque<std::optional<std::string>> file_dialog_answers;
+
+  // The game window's state as the engine last set it.
+  std::string caption;
+  std::string location;
+  std::string status_text;
+  std::string directions;
+  std::vector<ListedThing> things_here;
+  std::string items;
+  std::vector<std::string> collectables;
+  bool controls_enabled = true;
+  std::vector<bool> control_changes;  // every EnableGameControls call in order
+  bool debug_menu_shown = true;
+  bool game_over = false;
+  int command_box_clears = 0;
+  int command_box_focus = 0;
+  bool busy = false;
+  std::vector<std::string> progress;  // "CAPTION PERCENT" for each step, "closed" when closed
+  std::vector<bool> closed;           // every CloseGame call with its end_program
+
+  // Platform services, one entry per request: "wave PATH sync" or "wave PATH async",
+  // "midi PATH", "midi stop", "picture PATH", "open PATH" or "open PATH minimised", "sleep MS".
+  void PlayWave(const std::string& path, bool sync) override {
+    services.push_back("wave " + path + (sync ? " sync" : " async"));
+  }
+  void PlayMidi(const std::string& path) override { services.push_back("midi " + path); }
+  void StopMidi() override { services.push_back("midi stop"); }
+  void ShowPicture(const std::string& path) override { services.push_back("picture " + path); }
+  OpenResult OpenDocument(const std::string& path, bool minimised) override {
+    services.push_back("open " + path + (minimised ? " minimised" : ""));
+    return open_result;
+  }
+  void Sleep(int milliseconds) override {
+    services.push_back("sleep " + std::to_string(milliseconds));
+  }
+  std::vector<std::string> services;
+  OpenResult open_result = OpenResult::kOpened;  // what OpenDocument answers
+  // Variables viewer rows as "STORE ROWS ROW NAME=VALUE".
+  void VariableViewerRow(int store, int rows, int row, const std::string& name,
+                         const std::string& value) override {
+    viewer_rows.push_back(std::to_string(store) + " " + std::to_string(rows) + " " +
+                          std::to_string(row) + " " + name + "=" + value);
+  }
+  std::vector<std::string> viewer_rows;
 };
 
 // A temporary folder, removed with everything in it when the object goes.

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -29,6 +30,7 @@ struct Transcript {
   std::string input;
   std::vector<Expected> output;
   bool check_log = false;
+  bool text_only = false;  // the transcript shows something only the text form has
   std::vector<Expected> log;
 };
 
@@ -65,6 +67,8 @@ bool Parse(const fs::path& path, Transcript& t, std::string& error) {
           t.status = std::atoi(value.c_str());
         else if (key == "@begin")
           header = false;
+        else if (key == "@text-only")
+          t.text_only = true;
         else {
           error = path.string() + ":" + std::to_string(number) + ": unknown directive " + key;
           return false;
@@ -163,11 +167,41 @@ bool Compare(const fs::path& transcript, const char* what, const std::vector<Exp
   return true;
 }
 
+// Replaces every occurrence of `from` in `text` by `to`.
+std::string ReplaceAll(std::string text, const std::string& from, const std::string& to) {
+  if (from.empty()) return text;
+  for (std::size_t at = text.find(from); at != std::string::npos;
+       at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+// Compiles the transcript's game into a copy of its folder (so its libraries are found beside
+// it) and returns the compiled file's path; empty when it cannot.
+std::string CompileCopy(const fs::path& compiler, const fs::path& transcript, const Transcript& t,
+                        const fs::path& home) {
+  const fs::path game = fs::absolute(transcript.parent_path() / t.game);
+  const fs::path copy = home / "compiled";
+  std::error_code ec;
+  fs::copy(game.parent_path(), copy, fs::copy_options::recursive, ec);
+  if (ec) return {};
+  const fs::path compiled = copy / game.filename().replace_extension(".cgw");
+  const std::string command =
+      "'" + compiler.string() + "' '" + game.string() + "' '" + compiled.string() + "'";
+  if (std::system(command.c_str()) != 0) return {};
+  return compiled.string();
+}
+
+constexpr int kSkipped = 77;
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::cerr << "usage: transcript_runner TARVE_CLI TRANSCRIPT\n";
+  // transcript_runner TARVE_CLI TRANSCRIPT [TARVE_COMPILE]: with the compiler, the game is
+  // played in its compiled form and must give the same transcript.
+  if (argc != 3 && argc != 4) {
+    std::cerr << "usage: transcript_runner TARVE_CLI TRANSCRIPT [TARVE_COMPILE]\n";
     return 2;
   }
   const fs::path cli = fs::absolute(argv[1]);
@@ -178,6 +212,12 @@ int main(int argc, char** argv) {
     std::cerr << error << "\n";
     return 2;
   }
+  const bool compiled_form = argc == 4;
+  if (compiled_form && (t.text_only || fs::path(t.game).extension() != ".gwl" ||
+                        std::find(t.args.begin(), t.args.end(), "--dump") != t.args.end())) {
+    std::cout << transcript.filename().string() << ": not played in compiled form\n";
+    return kSkipped;
+  }
 
   // Each run gets a fresh home, so settings and logs of one test never reach another.
   char home_template[] = "/tmp/tarve-transcript-XXXXXX";
@@ -187,6 +227,15 @@ int main(int argc, char** argv) {
   const fs::path output_file = home / "output.txt";
   const fs::path log_file = home / "script.log";
   std::ofstream(input_file, std::ios::binary) << t.input;
+  std::string game_argument = t.game;
+  if (compiled_form) {
+    game_argument = CompileCopy(fs::absolute(argv[3]), transcript, t, home);
+    if (game_argument.empty()) {
+      std::cerr << transcript.string() << ": tarve-compile could not compile " << t.game << "\n";
+      fs::remove_all(home);
+      return 1;
+    }
+  }
 
   std::vector<std::string> args = {cli.string(), "--settings", (home / "settings").string()};
   if (t.check_log) {
@@ -194,7 +243,7 @@ int main(int argc, char** argv) {
     args.push_back(log_file.string());
   }
   args.insert(args.end(), t.args.begin(), t.args.end());
-  args.push_back(t.game);
+  args.push_back(game_argument);
 
   pid_t pid = fork();
   if (pid == 0) {
@@ -227,8 +276,12 @@ int main(int argc, char** argv) {
               << ", expected " << t.status << "\n";
     ok = false;
   }
-  ok = Compare(transcript, "output", t.output, Lines(ReadFile(output_file))) && ok;
-  if (t.check_log) ok = Compare(transcript, "log", t.log, Lines(ReadFile(log_file))) && ok;
+  // The compiled game stands where the text game stood in everything the player prints.
+  auto read = [&](const fs::path& file) {
+    return Lines(ReplaceAll(ReadFile(file), game_argument, t.game));
+  };
+  ok = Compare(transcript, "output", t.output, read(output_file)) && ok;
+  if (t.check_log) ok = Compare(transcript, "log", t.log, read(log_file)) && ok;
   fs::remove_all(home);
   if (ok) std::cout << transcript.filename().string() << ": passed\n";
   return ok ? 0 : 1;
