@@ -46,24 +46,9 @@ std::string NameKey(std::string_view type, std::string_view name) {
   return key;
 }
 
-bool IsEndDefine(std::string_view line) { return TrimView(line) == "end define"; }
-
-// Walks the inner lines of a block, skipping nested define ... end define blocks, and calls
-// `visit` for each other line until it returns true.
-template <typename Visit>
-void WalkTagLines(const GameText& text, BlockRange block, Visit visit) {
-  const int last = std::min(block.end - 1, text.LineCount());
-  for (int i = block.start + 1; i <= last; ++i) {
-    const std::string& line = text.Line(i);
-    if (BeginsWith(line, "define ")) {
-      while (i <= last && !IsEndDefine(text.Line(i))) ++i;
-      continue;
-    }
-    if (visit(line)) return;
-  }
-}
-
 }  // namespace
+
+bool IsEndDefine(std::string_view line) { return TrimView(line) == "end define"; }
 
 bool BeginsWith(std::string_view text, std::string_view prefix) {
   text = TrimLeftView(text);
@@ -150,7 +135,7 @@ BlockRange FindBlockByName(Game& game, std::string_view type, std::string_view n
 
 std::string FindTagInBlock(Game& game, BlockRange block, std::string_view tag) {
   std::string result;
-  WalkTagLines(game.text, block, [&](const std::string& line) {
+  ForEachOwnLine(game.text, block, [&](const std::string& line) {
     if (!BeginsWith(line, tag)) return false;
     result = RetrieveParameter(game, line, true);
     return true;
@@ -162,7 +147,7 @@ std::string FindLineWithTagAndParameter(Game& game, BlockRange block, std::strin
                                         std::string_view parameter) {
   const std::string wanted = UCase(TrimView(parameter));
   std::string result;
-  WalkTagLines(game.text, block, [&](const std::string& line) {
+  ForEachOwnLine(game.text, block, [&](const std::string& line) {
     if (!BeginsWith(line, tag)) return false;
     if (UCase(TrimView(RetrieveParameter(game, line, true))) != wanted) return false;
     result = Trim(line);

@@ -65,6 +65,25 @@ std::string RetrieveParameter(Game& game, std::string_view line, bool substitute
 // The same cut without substitution or logging; false when the line has no proper <...> pair.
 bool CutParameter(std::string_view line, std::string_view& parameter);
 
+// True for a line that, trimmed, is exactly "end define".
+bool IsEndDefine(std::string_view line);
+
+// Calls `visit(line)` for each inner line of the block that does not belong to a block nested
+// inside it (a nested define line skips to the first "end define" line after it), until `visit`
+// returns true.
+template <typename Visit>
+void ForEachOwnLine(const GameText& text, BlockRange block, Visit visit) {
+  const int last = block.end - 1 < text.LineCount() ? block.end - 1 : text.LineCount();
+  for (int i = block.start + 1; i <= last; ++i) {
+    const std::string& line = text.Line(i);
+    if (BeginsWith(line, "define ")) {
+      while (i <= last && !IsEndDefine(text.Line(i))) ++i;
+      continue;
+    }
+    if (visit(line)) return;
+  }
+}
+
 BlockRange FindBlock(const Game& game, std::string_view type);
 BlockRange FindBlockByName(Game& game, std::string_view type, std::string_view name);
 std::string FindTagInBlock(Game& game, BlockRange block, std::string_view tag);

@@ -14,8 +14,6 @@ namespace tarve {
 
 namespace {
 
-bool IsEndDefine(std::string_view line) { return TrimView(line) == "end define"; }
-
 std::string_view KindWord(ThingKind kind) {
   return kind == ThingKind::kObject ? "object" : "character";
 }
@@ -239,20 +237,13 @@ void EnterRoom(Game& game, std::string_view room) {
   // The room's own script line (the first one; lines of things inside the room are theirs).
   const BlockRange block = FindBlockByName(game, "room", name);
   if (!block.Found()) return;
-  const GameText& text = game.text;
-  const int last = std::min(block.end - 1, text.LineCount());
-  for (int i = block.start + 1; i <= last; ++i) {
-    const std::string& line = text.Line(i);
-    if (BeginsWith(line, "define ")) {
-      while (i <= last && !IsEndDefine(text.Line(i))) ++i;
-      continue;
-    }
-    if (BeginsWith(line, "script ")) {
-      const std::string script = Trim(TrimView(line).substr(7));
-      ExecuteScript(game, script);
-      return;
-    }
-  }
+  std::string script;
+  ForEachOwnLine(game.text, block, [&](const std::string& line) {
+    if (!BeginsWith(line, "script ")) return false;
+    script = Trim(TrimView(line).substr(7));
+    return true;
+  });
+  ExecuteScript(game, script);
 }
 
 std::vector<Thing*> SelectThings(Game& game, ThingKind kind, std::string_view reference) {
