@@ -39,13 +39,6 @@ bool HasSubstitutionMarker(std::string_view text) {
   return text.find_first_of("#%~$") != std::string_view::npos;
 }
 
-std::string NameKey(std::string_view type, std::string_view name) {
-  std::string key(type);
-  key.push_back('\0');
-  key.append(name);
-  return key;
-}
-
 }  // namespace
 
 bool IsEndDefine(std::string_view line) { return TrimView(line) == "end define"; }
@@ -102,7 +95,7 @@ std::string RetrieveParameter(Game& game, std::string_view line, bool substitute
 
 BlockRange FindBlock(const Game& game, std::string_view type) {
   const GameText& text = game.text;
-  auto it = text.first_of_type.find(std::string(type));
+  auto it = text.first_of_type.find(type);
   if (it == text.first_of_type.end()) return {};
   const BlockRecord& block = text.blocks[static_cast<std::size_t>(it->second)];
   return {block.start, block.end};
@@ -111,13 +104,13 @@ BlockRange FindBlock(const Game& game, std::string_view type) {
 BlockRange FindBlockByName(Game& game, std::string_view type, std::string_view name) {
   const GameText& text = game.text;
   int found = text.BlockCount() + 1;
-  if (auto it = text.first_of_type_and_name.find(NameKey(type, name));
-      it != text.first_of_type_and_name.end()) {
-    found = it->second;
+  if (auto names = text.first_of_type_and_name.find(type);
+      names != text.first_of_type_and_name.end()) {
+    if (auto it = names->second.find(name); it != names->second.end()) found = it->second;
   }
   // Names written with substitution markers are compared as their values at this moment, in
   // block order, and only those that stand before the first plain match can win.
-  if (auto it = text.substituted_names_of_type.find(std::string(type));
+  if (auto it = text.substituted_names_of_type.find(type);
       it != text.substituted_names_of_type.end()) {
     for (int index : it->second) {
       if (index > found) break;
@@ -188,7 +181,7 @@ void AddBlock(GameText& text, int start, int end) {
   if (HasSubstitutionMarker(record.parameter)) {
     text.substituted_names_of_type[record.type].push_back(index);
   } else {
-    text.first_of_type_and_name.try_emplace(NameKey(record.type, record.parameter), index);
+    text.first_of_type_and_name[record.type].try_emplace(record.parameter, index);
   }
 }
 

@@ -24,6 +24,16 @@ struct BlockRange {
   bool operator==(const BlockRange&) const = default;
 };
 
+// Hashing that lets the lookup tables be searched with a string_view, without building a key.
+struct TextHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view text) const {
+    return std::hash<std::string_view>{}(text);
+  }
+};
+template <typename Value>
+using TextMap = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
+
 struct BlockRecord {
   int start = 0;
   int end = 0;
@@ -46,9 +56,9 @@ struct GameText {
 
   // Lookup tables over `blocks`, kept by AddBlock. Names whose define line holds a substitution
   // marker can only be compared at lookup time and are kept apart, in block order.
-  std::unordered_map<std::string, int> first_of_type;
-  std::unordered_map<std::string, int> first_of_type_and_name;  // key: type + '\0' + name
-  std::unordered_map<std::string, std::vector<int>> substituted_names_of_type;
+  TextMap<int> first_of_type;
+  TextMap<TextMap<int>> first_of_type_and_name;  // type, then name
+  TextMap<std::vector<int>> substituted_names_of_type;
 };
 
 // Prefix test that ignores case and the text's leading blanks (not the prefix's).
