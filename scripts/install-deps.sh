@@ -5,8 +5,10 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config
   libutf8proc-dev
+  qt6-base-dev
   googletest libgtest-dev
   libbenchmark-dev
+  clang libclang-rt-14-dev
 )
 
 missing=()

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, then builds and runs every test: first the normal build with warnings
-# as errors, then the same tests under AddressSanitizer and UndefinedBehaviorSanitizer.
+# as errors, then the same tests under AddressSanitizer and UndefinedBehaviorSanitizer, then a
+# short fuzzing pass over every fuzz target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -13,3 +14,6 @@ for preset in ci asan; do
   echo "=== $preset tests ==="
   ctest --preset "$preset"
 done
+
+# 40 seconds per fuzz target keeps the whole run near 12 minutes on two cores.
+TARVE_FUZZ_SECONDS=${TARVE_FUZZ_SECONDS:-40} scripts/fuzz-smoke.sh

@@ -41,9 +41,9 @@ double Val(std::string_view text) {
       whole = whole * 10 + (text[pos] - '0');
       ++pos;
     }
-    const bool ends_here = pos == text.size() ||
-                           (!IsDigit(text[pos]) && !IsSkippedInNumber(text[pos]) &&
-                            text[pos] != '.' && text[pos] != 'e' && text[pos] != 'E');
+    const bool ends_here =
+        pos == text.size() || (!IsDigit(text[pos]) && !IsSkippedInNumber(text[pos]) &&
+                               text[pos] != '.' && text[pos] != 'e' && text[pos] != 'E');
     if (pos > digits_from && ends_here) {
       return text[0] == '-' ? -static_cast<double>(whole) : static_cast<double>(whole);
     }

@@ -466,6 +466,15 @@ bool EnterNestedScript(Game& game) {
                              "rest of the statement was skipped.");
     return false;
   }
+  if (run.script_depth == 0) run.statements_run = 0;
+  if (++run.statements_run > game.statement_limit) {
+    run.unwinding = true;
+    LogScriptError(game, "Error: The statement ran more than " +
+                             std::to_string(game.statement_limit) +
+                             " statements and calls (loops inside loops?) - the rest of it was "
+                             "skipped.");
+    return false;
+  }
   ++run.script_depth;
   return true;
 }

@@ -10,6 +10,11 @@ struct Game;
 
 // Nested statements (procedures, functions, room scripts) deeper than this are cut off.
 inline constexpr int kMaxScriptDepth = 200;
+// One top-level statement (a turn's command script, a room script, a start script) may run at
+// most this many statements, procedures and function calls in all: nested loops and procedures
+// that call each other many times over would otherwise freeze the player. Game::statement_limit
+// holds it.
+inline constexpr long kMaxStatementsPerRun = 1000000;
 
 void ExecuteScript(Game& game, std::string_view line);
 

@@ -28,6 +28,9 @@ const std::string& RecallLastCommand(const Game& game);
 // The "save" and "load" commands: ask for a saved-game file and save to it or load it.
 void MenuSave(Game& game);
 void MenuLoad(Game& game);
+// Save As: always asks for the file to write. Save asks only while the game has not yet been
+// saved or loaded from a saved game.
+void MenuSaveAs(Game& game);
 
 // The input has ended (the terminal's standard input closed): every wait ends at once and no
 // later wait blocks.

@@ -1,21 +1,35 @@
-// The "save" and "load" commands. Saved games arrive in a later version: until then the player
-// asks for the file as it will, and then says that it cannot use it yet.
+// The Save, Save As and Load menus (and the "save" and "load" commands that stand for them):
+// each asks for a file where it must and hands it to the saved-game routines.
+#include <filesystem>
+
 #include "player/MainWindow.h"
-#include "player/Output.h"
+#include "player/SavedGames.h"
 #include "script/Game.h"
 
 namespace tarve {
 
-namespace {
-
-void ChooseAndDecline(Game& game, bool save) {
-  if (!game.host.ChooseSavedGameFile(save)) return;  // the player cancelled the dialog
-  PrintText(game, "Saved games are not available in this version of Tarve yet.");
+void MenuSaveAs(Game& game) {
+  std::optional<std::string> path = game.host.ChooseSavedGameFile(/*save=*/true);
+  if (!path) return;  // the player cancelled the dialog
+  // A name typed without an extension gets the saved-game one, so that the file is known for
+  // a saved game when it is opened again.
+  if (!std::filesystem::path(*path).has_extension()) *path += ".tsg";
+  SaveGame(game, *path);
 }
 
-}  // namespace
+void MenuSave(Game& game) {
+  // Once the game has been saved or loaded, Save writes to that file again without asking.
+  if (game.run.current_saved_game_path.empty()) {
+    MenuSaveAs(game);
+  } else {
+    SaveGame(game, game.run.current_saved_game_path);
+  }
+}
 
-void MenuSave(Game& game) { ChooseAndDecline(game, /*save=*/true); }
-void MenuLoad(Game& game) { ChooseAndDecline(game, /*save=*/false); }
+void MenuLoad(Game& game) {
+  const std::optional<std::string> path = game.host.ChooseSavedGameFile(/*save=*/false);
+  if (!path) return;
+  LoadSavedGame(game, *path);
+}
 
 }  // namespace tarve

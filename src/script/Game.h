@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 
+#include "interpreter/ExecuteScript.h"
 #include "interpreter/ScriptLog.h"
 #include "interpreter/Variables.h"
 #include "player/MainWindow.h"
@@ -41,6 +42,9 @@ struct RunState {
   // abandoned (`unwinding`) and the turn goes on.
   int script_depth = 0;
   bool unwinding = false;
+  // Statements, procedures and function calls begun since the current top-level statement
+  // began; past Game::statement_limit that statement is abandoned as well.
+  long statements_run = 0;
   // No more input can come (the terminal's input ended): waits end at once.
   bool input_ended = false;
 };
@@ -65,6 +69,9 @@ struct Game {
   int games_opened = 0;
   int open_game_depth = 0;
   std::mt19937 random{5489u};
+  // The most statements, procedures and function calls one top-level statement may run; tools
+  // that must bound their work per input lower it.
+  long statement_limit = kMaxStatementsPerRun;
 
   // The open game.
   GameText text;

@@ -234,8 +234,9 @@ bool ReadGameFile(Game& game, const std::string& path) {
       return false;
     }
     if (!game.keywords.loaded) {
-      LogScriptError(game, "Error: Compiled games cannot be opened without the keyword table "
-                           "tarve.dat.");
+      LogScriptError(game,
+                     "Error: Compiled games cannot be opened without the keyword table "
+                     "tarve.dat.");
       return false;
     }
     if (!ReadCompiledGame(game, bytes, lines)) return false;

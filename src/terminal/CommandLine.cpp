@@ -6,11 +6,13 @@ namespace tarve {
 
 const char* const kUsage =
     "Usage: tarve-cli [options] [FILE]\n"
-    "Plays a Tarve game (.gwl, .cgw) or a saved game (.tsg) in the terminal.\n"
+    "Plays a Tarve game (.gwl, .cgw) or a saved game (.tsg) in the terminal. Without FILE,\n"
+    "lists the installed games and asks which one to play.\n"
     "\n"
     "  --dump             print the game's lines and blocks as the reader made them\n"
     "  --log FILE         append every script-log message to FILE\n"
-    "  --settings DIR     keep the settings in DIR instead of the user's settings\n"
+    "  --settings DIR     keep the settings in DIR/Tarve.conf instead of the user's\n"
+    "                     ~/.config/Tarve/Tarve.conf\n"
     "  --seed N           seed the random numbers with N\n"
     "  --transcript FILE  copy the output to FILE\n"
     "  --plain            write text without styles, even on a terminal\n"

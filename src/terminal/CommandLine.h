@@ -13,11 +13,11 @@ struct CommandLine {
   bool blank_line = false;
   bool help = false;
   std::string log_file;
-  std::string settings_dir;
+  std::string settings_dir;  // empty: the user's own settings
   std::string transcript_file;
   std::optional<unsigned long> seed;
   // The file to open: the remaining arguments joined by single blanks, as the player has always
-  // taken its command line as one string.
+  // taken its command line as one string. Empty: the player picks an installed game.
   std::string file;
 };
 

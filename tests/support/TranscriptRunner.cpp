@@ -23,8 +23,20 @@ struct Expected {
   int source_line;
 };
 
+// A file the run must leave in its home folder, with its expected lines.
+struct ExpectedFile {
+  std::string name;
+  std::vector<Expected> lines;
+};
+
+// One value of the settings file written before the run.
+struct SettingValue {
+  std::string section, key, value;
+};
+
 struct Transcript {
   std::string game;
+  bool no_game = false;  // tarve-cli starts without a file
   std::vector<std::string> args;
   int status = 0;
   std::string input;
@@ -32,6 +44,8 @@ struct Transcript {
   bool check_log = false;
   bool text_only = false;  // the transcript shows something only the text form has
   std::vector<Expected> log;
+  std::vector<SettingValue> settings;
+  std::vector<ExpectedFile> files;
 };
 
 std::vector<std::string> SplitWords(const std::string& text) {
@@ -49,6 +63,7 @@ bool Parse(const fs::path& path, Transcript& t, std::string& error) {
   }
   bool header = true;
   bool in_log = false;
+  bool in_file = false;
   int number = 0;
   for (std::string line; std::getline(in, line);) {
     ++number;
@@ -69,7 +84,20 @@ bool Parse(const fs::path& path, Transcript& t, std::string& error) {
           header = false;
         else if (key == "@text-only")
           t.text_only = true;
-        else {
+        else if (key == "@no-game")
+          t.no_game = true;
+        else if (key == "@settings") {
+          // @settings SECTION KEY VALUE: the value is the rest of the line, blanks included.
+          std::istringstream fields(value);
+          SettingValue setting;
+          fields >> setting.section >> setting.key;
+          std::getline(fields >> std::ws, setting.value);
+          if (setting.key.empty()) {
+            error = path.string() + ":" + std::to_string(number) + ": @settings needs a key";
+            return false;
+          }
+          t.settings.push_back(setting);
+        } else {
           error = path.string() + ":" + std::to_string(number) + ": unknown directive " + key;
           return false;
         }
@@ -79,10 +107,19 @@ bool Parse(const fs::path& path, Transcript& t, std::string& error) {
     }
     if (line == "@log") {
       in_log = true;
+      in_file = false;
       t.check_log = true;
       continue;
     }
-    if (in_log) {
+    if (line.rfind("@file ", 0) == 0) {
+      in_file = true;
+      in_log = false;
+      t.files.push_back({line.substr(6), {}});
+      continue;
+    }
+    if (in_file) {
+      t.files.back().lines.push_back({line, number});
+    } else if (in_log) {
       t.log.push_back({line, number});
     } else if (line.rfind("> ", 0) == 0 || line == ">") {
       t.input += line.substr(line.size() > 1 ? 2 : 1) + "\n";
@@ -95,8 +132,8 @@ bool Parse(const fs::path& path, Transcript& t, std::string& error) {
       t.output.push_back({line, number});
     }
   }
-  if (t.game.empty()) {
-    error = path.string() + ": no @game line";
+  if (t.game.empty() != t.no_game) {
+    error = path.string() + ": needs either a @game line or @no-game";
     return false;
   }
   return true;
@@ -193,6 +230,32 @@ std::string CompileCopy(const fs::path& compiler, const fs::path& transcript, co
   return compiled.string();
 }
 
+// The settings file tarve-cli reads with --settings: INI groups, values quoted so that commas,
+// backslashes and a leading "@" keep their meaning as plain text.
+void WriteSettings(const fs::path& folder, const std::vector<SettingValue>& settings,
+                   const fs::path& home) {
+  if (settings.empty()) return;
+  fs::create_directories(folder);
+  std::vector<std::string> sections;
+  for (const SettingValue& s : settings) {
+    if (std::find(sections.begin(), sections.end(), s.section) == sections.end()) {
+      sections.push_back(s.section);
+    }
+  }
+  std::ofstream out(folder / "Tarve.conf", std::ios::binary);
+  for (const std::string& section : sections) {
+    out << "[" << section << "]\n";
+    for (const SettingValue& s : settings) {
+      if (s.section != section) continue;
+      std::string value = ReplaceAll(s.value, "{home}", home.string());
+      if (!value.empty() && value[0] == '@') value.insert(0, "@");
+      value = ReplaceAll(value, "\\", "\\\\");
+      value = ReplaceAll(value, "\"", "\\\"");
+      out << s.key << "=\"" << value << "\"\n";
+    }
+  }
+}
+
 constexpr int kSkipped = 77;
 
 }  // namespace
@@ -213,7 +276,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   const bool compiled_form = argc == 4;
-  if (compiled_form && (t.text_only || fs::path(t.game).extension() != ".gwl" ||
+  if (compiled_form && (t.no_game || t.text_only || fs::path(t.game).extension() != ".gwl" ||
                         std::find(t.args.begin(), t.args.end(), "--dump") != t.args.end())) {
     std::cout << transcript.filename().string() << ": not played in compiled form\n";
     return kSkipped;
@@ -226,7 +289,9 @@ int main(int argc, char** argv) {
   const fs::path input_file = home / "input.txt";
   const fs::path output_file = home / "output.txt";
   const fs::path log_file = home / "script.log";
-  std::ofstream(input_file, std::ios::binary) << t.input;
+  // "{home}" in the input names the run's own home folder, so that a test can write files (a
+  // saved game) that vanish with it; the output shows that folder as "{home}" again.
+  std::ofstream(input_file, std::ios::binary) << ReplaceAll(t.input, "{home}", home.string());
   std::string game_argument = t.game;
   if (compiled_form) {
     game_argument = CompileCopy(fs::absolute(argv[3]), transcript, t, home);
@@ -243,7 +308,8 @@ int main(int argc, char** argv) {
     args.push_back(log_file.string());
   }
   args.insert(args.end(), t.args.begin(), t.args.end());
-  args.push_back(game_argument);
+  if (!t.no_game) args.push_back(game_argument);
+  WriteSettings(home / "settings", t.settings, home);
 
   pid_t pid = fork();
   if (pid == 0) {
@@ -278,10 +344,14 @@ int main(int argc, char** argv) {
   }
   // The compiled game stands where the text game stood in everything the player prints.
   auto read = [&](const fs::path& file) {
-    return Lines(ReplaceAll(ReadFile(file), game_argument, t.game));
+    return Lines(
+        ReplaceAll(ReplaceAll(ReadFile(file), game_argument, t.game), home.string(), "{home}"));
   };
   ok = Compare(transcript, "output", t.output, read(output_file)) && ok;
   if (t.check_log) ok = Compare(transcript, "log", t.log, read(log_file)) && ok;
+  for (const ExpectedFile& file : t.files) {
+    ok = Compare(transcript, file.name.c_str(), file.lines, read(home / file.name)) && ok;
+  }
   fs::remove_all(home);
   if (ok) std::cout << transcript.filename().string() << ": passed\n";
   return ok ? 0 : 1;

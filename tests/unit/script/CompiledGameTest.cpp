@@ -63,6 +63,21 @@ TEST(KeywordTable, ShippedTableHasTheSpecialEntriesAndKeepsTheMarkerCodesFree) {
   EXPECT_EQ(table.entries[254], "");
 }
 
+TEST(KeywordTable, AnEmptyTableReadsCompiledGamesWithoutHarmAndCannotWriteThem) {
+  std::vector<std::string> problems;
+  const KeywordTable empty = ParseKeywordTable("", problems);
+  EXPECT_TRUE(empty.loaded);
+  EXPECT_TRUE(problems.empty());
+  CompileGame(empty, {"msg <x>"}, problems);
+  EXPECT_EQ(problems, (Lines{"Error: The keyword table lacks the !cr, !quote or !unknown entry."}));
+
+  TempDir dir;
+  TestGame t(dir);
+  t.game.keywords = empty;
+  // Every byte is a code without an entry: the stream is one line of blanks.
+  EXPECT_EQ(Read(t, std::string("TCGF001\0\x01\x02\x00\xFE\xFD", 13)), (Lines{""}));
+}
+
 TEST(KeywordTable, MissingFileIsLoggedAndCompiledGamesRefused) {
   TempDir dir;
   TestGame t(dir);

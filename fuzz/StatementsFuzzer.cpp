@@ -1,0 +1,14 @@
+// libFuzzer entry point: arbitrary script statements run inside a fixed game.
+#include <cstddef>
+#include <cstdint>
+
+#include "FuzzTargets.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
+  // libFuzzer calls this once per input; the scratch folder and its copies of the games are
+  // made once per process and removed when the process ends.
+  static const tarve::fuzz::Workspace workspace(TARVE_SOURCE_DIR);
+  if (!workspace.ok()) __builtin_trap();
+  tarve::fuzz::RunStatements(workspace, data, size);
+  return 0;
+}
