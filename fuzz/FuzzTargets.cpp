@@ -132,11 +132,8 @@ void FuzzHost::ProcessEventsUntil(Game& game, const std::function<bool()>& done)
       EndAllWaits(game);
       return;
     }
-    if (game.window.waiting_for_key) {
-      KeyPressed(game);
-    } else {
-      SubmitCommand(game, *line);
-    }
+    // Enter ends a pending key wait; otherwise the line goes to the command box.
+    SubmitCommand(game, *line);
   }
 }
 

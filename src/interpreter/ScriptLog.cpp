@@ -18,7 +18,12 @@ void AppendToWindow(Game& game, std::string_view message) {
 
 void LogScriptError(Game& game, std::string_view message) {
   if (!message.empty()) AppendToWindow(game, message);
+  std::string line(message);
+  line += "\r\n";
+  AppendToLogFile(game, line);
+}
 
+void AppendToLogFile(Game& game, std::string_view text) {
   ScriptLogState& log = game.log;
   const Settings& settings = game.settings;
   if (!settings.log_errors) return;
@@ -27,7 +32,7 @@ void LogScriptError(Game& game, std::string_view message) {
   // when the player is stopped abruptly.
   std::ofstream file(settings.log_file, std::ios::binary | std::ios::app);
   if (file) {
-    file << message << "\r\n";
+    file << text;
     file.flush();
   }
   if (!file) {

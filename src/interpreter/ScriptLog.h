@@ -19,4 +19,8 @@ struct ScriptLogState {
 
 void LogScriptError(Game& game, std::string_view message);
 
+// Appends `text` as it stands to the log file when the player keeps one (LogErrors). A file that
+// cannot be written is noted once in the log window and skipped until LogFile changes.
+void AppendToLogFile(Game& game, std::string_view text);
+
 }  // namespace tarve

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <ctime>
-#include <fstream>
 #include <vector>
 
 #include "base/Files.h"
@@ -41,13 +40,10 @@ std::string FormatNow(const char* format) {
 // The game log file marks where each game's messages begin; after an earlier game it first
 // sets the new game apart with empty lines and a line of hyphens.
 void MarkNewGameInLogFile(Game& game) {
-  const Settings& settings = game.settings;
-  if (!settings.log_errors) return;
-  if (!game.log.unwritable_file.empty() && game.log.unwritable_file == settings.log_file) return;
-  std::ofstream file(settings.log_file, std::ios::binary | std::ios::app);
-  if (!file) return;  // the first message logged after this notes the unwritable file
-  if (game.game_was_open) file << "\r\n\r\n--------------------------\r\n";
-  file << "\r\n(Start of new game)\r\n";
+  std::string mark;
+  if (game.game_was_open) mark = "\r\n\r\n--------------------------\r\n";
+  mark += "\r\n(Start of new game)\r\n";
+  AppendToLogFile(game, mark);
 }
 
 void ReportUnableToOpen(Game& game, const std::string& path) {

@@ -155,8 +155,8 @@ void TerminalHost::ScriptLogAppended(std::string_view message) {
 
 void TerminalHost::ProcessEventsUntil(Game& game, const std::function<bool()>& done) {
   // Each input line is what the command box would receive on Enter: while a key wait is
-  // pending it is the key that ends the wait; otherwise it goes to the command box (where a
-  // waiting `enter` takes it).
+  // pending it ends the wait; otherwise it goes to the command box (where a waiting `enter`
+  // takes it).
   while (!done() && !closed_) {
     // Once the game is over its command box takes nothing, so only a key could still end a
     // wait; the terminal player ends after this turn anyway.
@@ -169,11 +169,7 @@ void TerminalHost::ProcessEventsUntil(Game& game, const std::function<bool()>& d
       EndAllWaits(game);
       return;
     }
-    if (game.window.waiting_for_key) {
-      KeyPressed(game);
-    } else {
-      SubmitCommand(game, *line);
-    }
+    SubmitCommand(game, *line);
   }
 }
 

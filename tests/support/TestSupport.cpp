@@ -64,11 +64,8 @@ void RecordingHost::ProcessEventsUntil(Game& game, const std::function<bool()>& 
     }
     const std::string line = input.front();
     input.pop_front();
-    if (game.window.waiting_for_key) {
-      KeyPressed(game);
-    } else {
-      SubmitCommand(game, line);
-    }
+    // Enter ends a pending key wait; otherwise the line goes to the command box.
+    SubmitCommand(game, line);
   }
 }
 
