@@ -1,21 +1,25 @@
 // The player as a user meets it: opening a game (file to the first room description) for the
 // demo game and the large generated game at two sizes, walks of mixed commands through the demo
-// game at two lengths, and script loops with substitution, conditions and function calls at two
-// lengths. Two sizes of each show whether the cost grows linearly.
+// game and through the large generated game at two lengths, and script loops with substitution,
+// conditions and function calls at two lengths. Two sizes of each show whether the cost grows
+// linearly.
 #include <benchmark/benchmark.h>
 
 #include <array>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "LargeGame.h"
+#include "base/Text.h"
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Variables.h"
 #include "player/MainWindow.h"
 #include "script/CommonCode.h"
 #include "script/Game.h"
 #include "script/OpenGame.h"
+#include "world/World.h"
 
 namespace {
 
@@ -41,20 +45,26 @@ void BM_OpenDemoGame(benchmark::State& state) {
   }
 }
 
-void BM_OpenLargeGame(benchmark::State& state) {
-  const int size = static_cast<int>(state.range(0));
+// Writes the large generated game at `size` percent into a folder of its own and returns the
+// path of its game file; empty, with the reason in `error`, when it cannot be written.
+std::string LargeGamePath(int size, std::string& error) {
   const std::string folder =
       std::string(TARVE_BENCH_GENERATED_DIR) + "/open-" + std::to_string(size);
-  std::string error;
   tarve::bench::WriteLargeGame(folder, tarve::bench::MakeLargeGame(size / 100.0), error);
-  if (!error.empty()) {
+  return error.empty() ? folder + "/large.gwl" : std::string();
+}
+
+void BM_OpenLargeGame(benchmark::State& state) {
+  std::string error;
+  const std::string path = LargeGamePath(static_cast<int>(state.range(0)), error);
+  if (path.empty()) {
     state.SkipWithError(error.c_str());
     return;
   }
   for (auto _ : state) {
     QuietHost host;
     tarve::Game game(host);
-    if (!tarve::OpenGame(game, folder + "/large.gwl")) {
+    if (!tarve::OpenGame(game, path)) {
       state.SkipWithError("the large game did not open");
       return;
     }
@@ -139,6 +149,93 @@ void BM_DemoWalk(benchmark::State& state) {
                          benchmark::Counter::kIsRate);
 }
 
+// A thing of `kind` in the player's room, or `fallback` when there is none.
+std::string ThingHere(tarve::Game& game, tarve::ThingKind kind, const std::string& fallback) {
+  for (const tarve::Thing& thing : tarve::ThingsOf(game, kind)) {
+    if (thing.exists && tarve::EqualsNoCase(thing.room, game.world.current_room)) {
+      return thing.name;
+    }
+  }
+  return fallback;
+}
+
+// One round of the large game's walk: the names in braces are filled in as the walk goes.
+constexpr std::array<std::string_view, 10> kLargeGameRound = {
+    "look",
+    "{exit}",
+    "take {object}",
+    "look at {object}",
+    "give {object} to {character}",
+    "use {object}",
+    "inventory",
+    "pull the lever",
+    "bridge stone",
+    "xyzzy",
+};
+
+// Replaces `marker` in `text` by `value`.
+std::string Fill(std::string text, std::string_view marker, std::string_view value) {
+  const std::size_t at = text.find(marker);
+  if (at != std::string::npos) text.replace(at, marker.size(), value);
+  return text;
+}
+
+// A walk of `turns` mixed commands through the large generated game, made by playing it once:
+// each round looks, tries an exit (south, west, north and east in turn), takes and examines a
+// thing of the room (or the last one found), gives it to a character of the room, uses it,
+// lists the inventory, and types one of the rooms' own command patterns, one of the game's and a
+// command nobody knows. Empty when the game ends before the walk does.
+std::vector<std::string> PlanLargeGameWalk(const std::string& path, int turns) {
+  static constexpr std::array<std::string_view, 4> kExits = {"south", "west", "north", "east"};
+  QuietHost host;
+  tarve::Game game(host);
+  if (!tarve::OpenGame(game, path)) return {};
+  std::vector<std::string> walk;
+  std::string object = "lamp 1";
+  for (int t = 0; t < turns && !game.run.game_over; ++t) {
+    const std::size_t step = static_cast<std::size_t>(t) % kLargeGameRound.size();
+    if (step == 2) object = ThingHere(game, tarve::ThingKind::kObject, object);
+    std::string command = Fill(std::string(kLargeGameRound[step]), "{object}", object);
+    command = Fill(command, "{exit}", kExits[(static_cast<std::size_t>(t) / 10) % kExits.size()]);
+    command = Fill(command, "{character}", ThingHere(game, tarve::ThingKind::kCharacter, "Aino 1"));
+    tarve::SubmitCommand(game, command);
+    walk.push_back(std::move(command));
+  }
+  if (game.run.game_over) walk.clear();
+  return walk;
+}
+
+void BM_LargeGameWalk(benchmark::State& state) {
+  const int turns = static_cast<int>(state.range(0));
+  std::string error;
+  const std::string path = LargeGamePath(100, error);
+  const std::vector<std::string> walk =
+      path.empty() ? std::vector<std::string>() : PlanLargeGameWalk(path, turns);
+  if (walk.empty()) {
+    state.SkipWithError(path.empty() ? error.c_str() : "the walk did not go the whole way");
+    return;
+  }
+  for (auto _ : state) {
+    state.PauseTiming();
+    auto host = std::make_unique<QuietHost>();
+    auto game = std::make_unique<tarve::Game>(*host);
+    const bool opened = tarve::OpenGame(*game, path);
+    state.ResumeTiming();
+    if (!opened) {
+      state.SkipWithError("the large game did not open");
+      return;
+    }
+    for (const std::string& command : walk) tarve::SubmitCommand(*game, command);
+    state.PauseTiming();
+    game.reset();
+    host.reset();
+    state.ResumeTiming();
+  }
+  state.counters["turns/s"] =
+      benchmark::Counter(static_cast<double>(turns) * static_cast<double>(state.iterations()),
+                         benchmark::Counter::kIsRate);
+}
+
 // One round: a `setvar` with substitution and arithmetic, an `if` with two conditions, a
 // `setstring` that calls a game function and a built-in one.
 constexpr std::string_view kLoopScripts[] = {
@@ -185,6 +282,13 @@ BENCHMARK(BM_OpenLargeGame)
     ->ReportAggregatesOnly(true)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DemoWalk)
+    ->ArgName("turns")
+    ->Arg(500)
+    ->Arg(1000)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LargeGameWalk)
     ->ArgName("turns")
     ->Arg(500)
     ->Arg(1000)
