@@ -26,7 +26,8 @@ namespace {
 // a second.
 constexpr std::size_t kMaxTurnLines = 256;
 constexpr std::size_t kMaxStatementLines = 128;
-constexpr long kFuzzStatementLimit = 20000;
+constexpr long kFuzzStatementLimit = 10000;
+constexpr long kFuzzTotalStatementLimit = 15000;
 
 bool WriteFile(const fs::path& path, std::string_view bytes) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
@@ -49,9 +50,10 @@ void PrepareGame(Game& game, const Workspace& workspace) {
   game.program_folder = workspace.program_folder();
   LoadKeywordTable(game);
   game.random.seed(1);
-  // Enough for every script of the project's games; small enough that loops inside loops end
-  // within the fuzzer's second.
+  // Enough for every script of the project's games; small enough that loops inside loops, and
+  // many loops one after the other, end within the fuzzer's second.
   game.statement_limit = kFuzzStatementLimit;
+  game.total_statement_limit = kFuzzTotalStatementLimit;
 }
 
 int16_t ToInt16(std::string_view text) {

@@ -230,6 +230,13 @@ std::size_t ByteOffsetOfChar(std::string_view text, std::size_t char_index) {
   return AdvanceChars(text, 0, char_index);
 }
 
+std::string_view LeftBytes(std::string_view text, std::size_t max_bytes) {
+  if (text.size() <= max_bytes) return text;
+  std::size_t cut = max_bytes;
+  while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
+  return text.substr(0, cut);
+}
+
 std::string CharLeft(std::string_view text, std::size_t count) {
   return std::string(text.substr(0, AdvanceChars(text, 0, count)));
 }

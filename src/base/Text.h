@@ -39,6 +39,8 @@ std::string CharMid(std::string_view text, std::size_t start);
 // Character position (from 1) of the first occurrence of `needle` at or after character
 // `start`; 0 when absent.
 std::size_t CharInStr(std::string_view text, std::string_view needle, std::size_t start = 1);
+// The longest start of `text` of at most `max_bytes` bytes that ends on a character boundary.
+std::string_view LeftBytes(std::string_view text, std::size_t max_bytes);
 
 bool IsValidUtf8(std::string_view bytes);
 // The Windows-1252 character of a byte, as UTF-8. Bytes that Windows-1252 leaves undefined map

@@ -467,7 +467,22 @@ bool EnterNestedScript(Game& game) {
     return false;
   }
   if (run.script_depth == 0) run.statements_run = 0;
-  if (++run.statements_run > game.statement_limit) {
+  ++run.script_depth;
+  if (!ChargeStatements(game, 1)) {
+    // Nothing runs, so nothing below will end the unwinding when it leaves.
+    if (--run.script_depth == 0) run.unwinding = false;
+    return false;
+  }
+  return true;
+}
+
+bool ChargeStatements(Game& game, long count) {
+  RunState& run = game.run;
+  if (run.script_depth == 0) return true;
+  if (run.unwinding) return false;
+  run.statements_run += count;
+  game.statements_total += count;
+  if (run.statements_run > game.statement_limit) {
     run.unwinding = true;
     LogScriptError(game, "Error: The statement ran more than " +
                              std::to_string(game.statement_limit) +
@@ -475,7 +490,14 @@ bool EnterNestedScript(Game& game) {
                              "skipped.");
     return false;
   }
-  ++run.script_depth;
+  if (game.statements_total > game.total_statement_limit) {
+    run.unwinding = true;
+    LogScriptError(game, "Error: The game ran more than " +
+                             std::to_string(game.total_statement_limit) +
+                             " statements and calls in all - the rest of the statement was "
+                             "skipped.");
+    return false;
+  }
   return true;
 }
 

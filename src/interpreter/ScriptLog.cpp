@@ -2,6 +2,7 @@
 
 #include <fstream>
 
+#include "base/Text.h"
 #include "script/Game.h"
 
 namespace tarve {
@@ -9,8 +10,14 @@ namespace tarve {
 namespace {
 
 void AppendToWindow(Game& game, std::string_view message) {
-  game.log.text.append(message);
-  game.log.text.append("\r\n");
+  std::string& text = game.log.text;
+  text.append(message);
+  text.append("\r\n");
+  if (text.size() > kMaxLogWindowBytes) {
+    // The older half goes, up to a line end, so that trimming happens seldom.
+    const std::size_t line_end = text.find("\r\n", text.size() - kMaxLogWindowBytes / 2);
+    text.erase(0, line_end == std::string::npos ? text.size() : line_end + 2);
+  }
   game.host.ScriptLogAppended(message);
 }
 
@@ -21,6 +28,12 @@ void LogScriptError(Game& game, std::string_view message) {
   std::string line(message);
   line += "\r\n";
   AppendToLogFile(game, line);
+}
+
+std::string ShortenedForLog(std::string_view text) {
+  std::string shown = CharLeft(text, 60);
+  if (shown.size() < text.size()) shown += "...";
+  return shown;
 }
 
 void AppendToLogFile(Game& game, std::string_view text) {

@@ -6,6 +6,8 @@
 #include <charconv>
 
 #include "base/Numbers.h"
+#include "base/Text.h"
+#include "interpreter/ExecuteScript.h"
 #include "interpreter/Functions.h"
 #include "interpreter/ScriptLog.h"
 #include "interpreter/Variables.h"
@@ -42,6 +44,22 @@ void AppendValue(Game& game, std::string& result, std::string_view name, Substit
   }
 }
 
+// Cuts `result` back to the most a substituted text may hold, at a character boundary, and logs
+// it.
+void CutOverlongText(Game& game, std::string& result, std::string_view text) {
+  result.resize(LeftBytes(result, kMaxSubstitutedBytes).size());
+  LogScriptError(game, "Error: The text of <" + ShortenedForLog(text) + "> grew past " +
+                           std::to_string(kMaxSubstitutedBytes) +
+                           " bytes as its variables were put in - the rest of it was cut off.");
+}
+
+// What building `result` costs in statements (see kSubstitutedBytesPerStatement).
+void ChargeForText(Game& game, const std::string& result) {
+  if (result.size() >= kSubstitutedBytesPerStatement) {
+    ChargeStatements(game, static_cast<long>(result.size() / kSubstitutedBytesPerStatement));
+  }
+}
+
 }  // namespace
 
 std::string Substitute(Game& game, std::string_view text, char delimiter, SubstitutionKind kind) {
@@ -51,6 +69,7 @@ std::string Substitute(Game& game, std::string_view text, char delimiter, Substi
     const std::size_t open = text.find(delimiter, pos);
     if (open == std::string_view::npos) {
       result.append(text.substr(pos));
+      ChargeForText(game, result);
       return result;
     }
     result.append(text.substr(pos, open - pos));
@@ -68,6 +87,11 @@ std::string Substitute(Game& game, std::string_view text, char delimiter, Substi
     // done, the value of the variable with the empty name as well (normally undefined).
     if (name.empty()) result.push_back(delimiter);
     AppendValue(game, result, name, kind);
+    if (result.size() > kMaxSubstitutedBytes) {
+      CutOverlongText(game, result, text);
+      ChargeForText(game, result);
+      return result;
+    }
     pos = close + 1;
   }
 }

@@ -2,12 +2,21 @@
 // references in a parameter by their values.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace tarve {
 
 struct Game;
+
+// A text being built by substitution stops growing here: what goes past it is cut off and
+// logged. With the bounds on variables (Variables.h), no script can take all the memory there
+// is; a line may still hold many references to the longest variables.
+inline constexpr std::size_t kMaxSubstitutedBytes = std::size_t{16} << 20;
+// Building a long text costs as much as running a statement for every this many bytes of it,
+// so that a loop over long texts meets the statement limit as other loops do.
+inline constexpr std::size_t kSubstitutedBytesPerStatement = 1024;
 
 enum class SubstitutionKind { kString = 1, kFunction = 2, kNumeric = 3, kCollectable = 4 };
 

@@ -64,8 +64,27 @@ VariableEntry* FindEntry(VariableTable& table, std::string_view name) {
 // Writes a variable and tells the viewer of its table about the changed row.
 void WriteVariable(Game& game, VariableTable& table, VariableStore store, std::string_view name,
                    std::string_view value) {
+  if (value.size() > kMaxVariableValueBytes) {
+    value = LeftBytes(value, kMaxVariableValueBytes);
+    LogScriptError(game, "Error: The value for variable '" + ShortenedForLog(name) +
+                             "' is longer than " + std::to_string(kMaxVariableValueBytes) +
+                             " bytes - the rest of it was cut off.");
+  }
+  const auto it = table.index.find(name);
+  const std::size_t old_bytes =
+      it == table.index.end()
+          ? 0
+          : 2 * table.entries[it->second].name.size() + table.entries[it->second].value.size();
+  const std::size_t new_bytes = 2 * name.size() + value.size();
+  if (game.variables.bytes - old_bytes + new_bytes > kMaxVariablesBytes) {
+    LogScriptError(game, "Error: The game's variables would hold more than " +
+                             std::to_string(kMaxVariablesBytes) + " bytes - variable '" +
+                             ShortenedForLog(name) + "' was not set.");
+    return;
+  }
+  game.variables.bytes = game.variables.bytes - old_bytes + new_bytes;
   std::size_t row = 0;
-  if (const auto it = table.index.find(name); it != table.index.end()) {
+  if (it != table.index.end()) {
     row = it->second;
     VariableEntry& entry = table.entries[row];
     // The entry takes the spelling of the latest write, so the viewer shows it.

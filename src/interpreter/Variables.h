@@ -41,7 +41,14 @@ struct VariableTable {
 struct Variables {
   VariableTable strings;
   VariableTable numerics;
+  std::size_t bytes = 0;  // what the names (twice: as written and indexed) and values hold
 };
+
+// A variable's value holds at most this many bytes: a longer one is cut (logged). All variables
+// together hold at most kMaxVariablesBytes: a write that would pass it is refused (logged). No
+// script, however it loops, can take all the memory there is.
+inline constexpr std::size_t kMaxVariableValueBytes = std::size_t{1} << 20;
+inline constexpr std::size_t kMaxVariablesBytes = std::size_t{64} << 20;
 
 // Which variables viewer a row belongs to.
 enum class VariableStore { kString = 1, kNumeric = 2, kCollectable = 3 };

@@ -2,6 +2,7 @@
 
 #include "base/Numbers.h"
 #include "base/Text.h"
+#include "interpreter/ExecuteScript.h"
 #include "interpreter/ScriptLog.h"
 #include "player/MainWindow.h"
 #include "script/CommonCode.h"
@@ -145,6 +146,9 @@ std::size_t ApplyCode(Game& game, std::string_view code) {
 
 void PrintText(Game& game, std::string_view text) {
   if (!game.output.enabled) return;
+  if (text.size() >= kPrintedBytesPerStatement) {
+    ChargeStatements(game, static_cast<long>(text.size() / kPrintedBytesPerStatement));
+  }
   bool line_end = true;
   if (text.ends_with("|xn")) {
     text.remove_suffix(3);

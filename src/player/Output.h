@@ -25,6 +25,10 @@ struct OutputState {
 };
 
 void PrintText(Game& game, std::string_view text);
+// Printing a long text inside a script costs as much as running a statement for every this many
+// bytes of it (formatting codes make printing dearer than building text), so that a loop that
+// prints long texts meets the statement limit as other loops do.
+inline constexpr std::size_t kPrintedBytesPerStatement = 256;
 void SetOutputFont(Game& game, std::string_view name);
 void SetOutputFontSize(Game& game, float size);
 void WriteOutputFile(Game& game, std::string_view text);

@@ -131,7 +131,9 @@ class Writer {
       if (line[pos] == '<' && line.find('>', pos) != std::string_view::npos) {
         const std::size_t close = line.find('>', pos);
         ok = Quoted(tokens, line.substr(pos + 1, close - pos - 1), number);
-        rebuilt += "<" + std::string(line.substr(pos + 1, close - pos - 1)) + "> ";
+        rebuilt += '<';
+        rebuilt += line.substr(pos + 1, close - pos - 1);
+        rebuilt += "> ";
         pos = close + 1;
       } else {
         std::size_t end = line.find(' ', pos);

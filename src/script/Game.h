@@ -72,6 +72,10 @@ struct Game {
   // The most statements, procedures and function calls one top-level statement may run; tools
   // that must bound their work per input lower it.
   long statement_limit = kMaxStatementsPerRun;
+  // Statements and calls run since this Game was made, and the most it may ever run: no limit
+  // in the player; tools that must bound their work per input (the fuzzers) set one.
+  long statements_total = 0;
+  long total_statement_limit = kNoTotalStatementLimit;
 
   // The open game.
   GameText text;

@@ -73,6 +73,44 @@ TEST_F(ExecuteScriptTest, RunawayRecursionAbandonsTheWholeStatementOnce) {
   EXPECT_EQ(host.output, "next statement\r\n");
 }
 
+// Long texts count against the statement limit, so a loop over them ends as soon as a loop of
+// many statements would.
+TEST_F(ExecuteScriptTest, BuildingLongTextsCountsAgainstTheStatementLimit) {
+  game.statement_limit = 2000;
+  SetStringVariable(game, "big", std::string(100 * 1024, 'x'));  // 100 statements' worth
+  ExecuteScript(game, "for <i; 1; 1000> setstring <copy; #big#>");
+  const int16_t rounds = GetNumericVariable(game, "i");
+  EXPECT_GE(rounds, 15);
+  EXPECT_LE(rounds, 21);
+  EXPECT_EQ(host.log,
+            std::vector<std::string>{"Error: The statement ran more than 2000 statements and "
+                                     "calls (loops inside loops?) - the rest of it was skipped."});
+  // The next statement has the whole allowance again.
+  ExecuteScript(game, "for <j; 1; 15> setstring <copy; #big#>");
+  EXPECT_EQ(GetNumericVariable(game, "j"), 15);
+  EXPECT_EQ(host.log.size(), 1u);
+}
+
+// A tool that bounds the work of a whole game (the fuzzers) sets a total limit: past it every
+// statement is skipped with one log line, and nothing is left half-entered.
+TEST_F(ExecuteScriptTest, TotalStatementLimitSkipsEveryLaterStatement) {
+  game.total_statement_limit = 100;
+  ExecuteScript(game, "for <i; 1; 60> setvar <n; %i%>");
+  EXPECT_EQ(GetNumericVariable(game, "n"), 60);
+  EXPECT_TRUE(host.log.empty());
+  ExecuteScript(game, "for <i; 1; 60> setvar <n; %i%>");
+  EXPECT_LT(GetNumericVariable(game, "n"), 60);
+  const std::string skipped =
+      "Error: The game ran more than 100 statements and calls in all - the rest of the statement "
+      "was skipped.";
+  EXPECT_EQ(host.log, std::vector<std::string>{skipped});
+  ExecuteScript(game, "msg <later>");
+  EXPECT_EQ(host.output, "");
+  EXPECT_EQ(host.log, (std::vector<std::string>{skipped, skipped}));
+  EXPECT_EQ(game.run.script_depth, 0);
+  EXPECT_FALSE(game.run.unwinding);
+}
+
 TEST_F(ExecuteScriptTest, EnterDoesNotWaitOnceInputHasEnded) {
   game.run.input_ended = true;
   ExecuteScript(game, "enter <name>");

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "base/Text.h"
+#include "interpreter/ExecuteScript.h"
 #include "interpreter/Variables.h"
 #include "support/TestSupport.h"
 
@@ -129,6 +131,37 @@ TEST_F(VariablesTest, DivisionByZeroIsReportedThreeWaysAndStoresZero) {
   EXPECT_EQ(host.message_styles, std::vector<int>{kOkOnly + kExclamation});
   EXPECT_EQ(host.output, "Script error encountered\r\n");
   EXPECT_NE(host.styled.find("{colour:255,0,0}{b}Script error encountered"), std::string::npos);
+}
+
+// A script that doubles a text over and over, or fills variable after variable with long texts,
+// would take all the memory there is: a value stops at its limit (cut at a character boundary),
+// all variables together at theirs, each refusal is logged and the game goes on.
+TEST_F(VariablesTest, ValuesAndAllVariablesTogetherStopAtTheirLimits) {
+  SetStringVariable(game, "s", "\u00e9t\u00e9");  // two-byte letters, so a cut can fall in one
+  ExecuteScript(game, "for <i; 1; 40> setstring <s;#s##s#>");
+  const std::string& value = FindVariable(game.variables.strings, "s")->value;
+  EXPECT_LE(value.size(), kMaxVariableValueBytes);
+  EXPECT_GT(value.size(), kMaxVariableValueBytes - 4);
+  EXPECT_TRUE(IsValidUtf8(value));
+  ASSERT_FALSE(host.log.empty());
+  EXPECT_EQ(host.log[0],
+            "Error: The value for variable 's' is longer than 1048576 bytes - the rest of it was "
+            "cut off.");
+
+  host.log.clear();
+  ExecuteScript(game, "for <i; 1; 100> setstring <copy %i%;#s#>");
+  EXPECT_LE(game.variables.bytes, kMaxVariablesBytes);
+  // "s" and 62 copies of it fill the 64 MB.
+  ASSERT_NE(FindVariable(game.variables.strings, "copy 62"), nullptr);
+  EXPECT_EQ(FindVariable(game.variables.strings, "copy 63"), nullptr);
+  ASSERT_FALSE(host.log.empty());
+  EXPECT_EQ(host.log[0],
+            "Error: The game's variables would hold more than 67108864 bytes - variable 'copy 63' "
+            "was not set.");
+  // Overwriting frees what the old value held, so short values still fit.
+  ExecuteScript(game, "for <i; 1; 100> setstring <copy %i%;short>");
+  EXPECT_EQ(GetStringVariable(game, "copy 99"), "short");
+  EXPECT_LT(game.variables.bytes, kMaxVariableValueBytes + 4096);  // "s" and the short ones
 }
 
 }  // namespace

@@ -38,6 +38,21 @@ TEST(ScriptLog, TheWindowKeepsEveryMessageAndTheFileOnlyWithLogErrors) {
   EXPECT_EQ(t.host.log, (Lines{"first", "second"}));
 }
 
+// A game that logs an error on every round of its loops: the window keeps the newest messages,
+// whole, and never more than its limit.
+TEST(ScriptLog, TheWindowKeepsTheNewestMessagesWithinItsLimit) {
+  TempDir dir;
+  TestGame t(dir);
+  const std::string filler(90, '.');
+  for (int i = 1; i <= 100000; ++i) LogScriptError(t.game, "message " + std::to_string(i) + filler);
+  const std::string& text = t.game.log.text;
+  EXPECT_LE(text.size(), kMaxLogWindowBytes);
+  EXPECT_GT(text.size(), kMaxLogWindowBytes / 2);
+  EXPECT_TRUE(text.starts_with("message "));
+  EXPECT_TRUE(text.ends_with("message 100000" + filler + "\r\n"));
+  EXPECT_EQ(t.host.log.size(), 100000u);  // the window's own view was told every message
+}
+
 TEST(ScriptLog, AnUnwritableFileIsNotedOnceUntilAnotherFileIsNamed) {
   TempDir dir;
   TestGame t(dir);
