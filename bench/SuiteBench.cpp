@@ -118,24 +118,21 @@ constexpr std::array<std::string_view, 40> kWalk = {
     "look",
 };
 
-void BM_DemoWalk(benchmark::State& state) {
-  const int turns = static_cast<int>(state.range(0));
+// Times `turns` turns played by `play` on a freshly opened copy of the game at `path`; opening
+// and freeing the game are not timed. `play` answers false when the walk went wrong.
+template <typename Play>
+void TimeWalks(benchmark::State& state, const std::string& path, int turns, Play play) {
   for (auto _ : state) {
     state.PauseTiming();
     auto host = std::make_unique<QuietHost>();
     auto game = std::make_unique<tarve::Game>(*host);
-    const bool opened = tarve::OpenGame(*game, DemoPath());
+    const bool opened = tarve::OpenGame(*game, path);
     state.ResumeTiming();
     if (!opened) {
-      state.SkipWithError("the demo game did not open");
+      state.SkipWithError("the game did not open");
       return;
     }
-    for (int t = 0; t < turns; ++t) {
-      const std::size_t step = static_cast<std::size_t>(t) % kWalk.size();
-      if (step == 0) tarve::SetNumericVariable(*game, "moves", 0);
-      tarve::SubmitCommand(*game, kWalk[step]);
-    }
-    if (game->run.game_over) {
+    if (!play(*game)) {
       state.SkipWithError("the walk ended the game");
       return;
     }
@@ -147,6 +144,18 @@ void BM_DemoWalk(benchmark::State& state) {
   state.counters["turns/s"] =
       benchmark::Counter(static_cast<double>(turns) * static_cast<double>(state.iterations()),
                          benchmark::Counter::kIsRate);
+}
+
+void BM_DemoWalk(benchmark::State& state) {
+  const int turns = static_cast<int>(state.range(0));
+  TimeWalks(state, DemoPath(), turns, [turns](tarve::Game& game) {
+    for (int t = 0; t < turns; ++t) {
+      const std::size_t step = static_cast<std::size_t>(t) % kWalk.size();
+      if (step == 0) tarve::SetNumericVariable(game, "moves", 0);
+      tarve::SubmitCommand(game, kWalk[step]);
+    }
+    return !game.run.game_over;
+  });
 }
 
 // A thing of `kind` in the player's room, or `fallback` when there is none.
@@ -215,25 +224,10 @@ void BM_LargeGameWalk(benchmark::State& state) {
     state.SkipWithError(path.empty() ? error.c_str() : "the walk did not go the whole way");
     return;
   }
-  for (auto _ : state) {
-    state.PauseTiming();
-    auto host = std::make_unique<QuietHost>();
-    auto game = std::make_unique<tarve::Game>(*host);
-    const bool opened = tarve::OpenGame(*game, path);
-    state.ResumeTiming();
-    if (!opened) {
-      state.SkipWithError("the large game did not open");
-      return;
-    }
-    for (const std::string& command : walk) tarve::SubmitCommand(*game, command);
-    state.PauseTiming();
-    game.reset();
-    host.reset();
-    state.ResumeTiming();
-  }
-  state.counters["turns/s"] =
-      benchmark::Counter(static_cast<double>(turns) * static_cast<double>(state.iterations()),
-                         benchmark::Counter::kIsRate);
+  TimeWalks(state, path, turns, [&walk](tarve::Game& game) {
+    for (const std::string& command : walk) tarve::SubmitCommand(game, command);
+    return !game.run.game_over;
+  });
 }
 
 // One round: a `setvar` with substitution and arithmetic, an `if` with two conditions, a

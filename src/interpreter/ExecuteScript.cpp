@@ -482,23 +482,19 @@ bool ChargeStatements(Game& game, long count) {
   if (run.unwinding) return false;
   run.statements_run += count;
   game.statements_total += count;
+  std::string cut;
   if (run.statements_run > game.statement_limit) {
-    run.unwinding = true;
-    LogScriptError(game, "Error: The statement ran more than " +
-                             std::to_string(game.statement_limit) +
-                             " statements and calls (loops inside loops?) - the rest of it was "
-                             "skipped.");
-    return false;
+    cut = "Error: The statement ran more than " + std::to_string(game.statement_limit) +
+          " statements and calls (loops inside loops?) - the rest of it was skipped.";
+  } else if (game.statements_total > game.total_statement_limit) {
+    cut = "Error: The game ran more than " + std::to_string(game.total_statement_limit) +
+          " statements and calls in all - the rest of the statement was skipped.";
+  } else {
+    return true;
   }
-  if (game.statements_total > game.total_statement_limit) {
-    run.unwinding = true;
-    LogScriptError(game, "Error: The game ran more than " +
-                             std::to_string(game.total_statement_limit) +
-                             " statements and calls in all - the rest of the statement was "
-                             "skipped.");
-    return false;
-  }
-  return true;
+  run.unwinding = true;
+  LogScriptError(game, cut);
+  return false;
 }
 
 void LeaveNestedScript(Game& game) {
