@@ -30,7 +30,8 @@ class Workspace {
   bool ok() const { return ok_; }
   const std::string& folder() const { return folder_; }
   const std::string& program_folder() const { return program_folder_; }
-  // The games a turn input may choose from (its first byte picks one), in a fixed order.
+  // The games a turn input may choose from (its first byte picks one), in a fixed order: the
+  // project's games of at most 64 KB.
   const std::vector<std::string>& games() const { return games_; }
   // The game the statement target runs its lines in.
   const std::string& statement_game() const { return statement_game_; }

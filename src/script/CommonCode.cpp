@@ -73,6 +73,11 @@ std::string GetEverythingAfter(Game& game, std::string_view text, std::string_vi
   return std::string(text.substr(ByteOffsetOfChar(text, prefix_chars)));
 }
 
+std::string TextAfterKeyword(std::string_view line, std::string_view keyword) {
+  const std::string_view text = TrimLeftView(line);
+  return text.size() <= keyword.size() ? std::string() : Trim(text.substr(keyword.size()));
+}
+
 bool CutParameter(std::string_view line, std::string_view& parameter) {
   const std::size_t open = line.find('<');
   const std::size_t close = line.find('>');

@@ -68,6 +68,10 @@ bool BeginsWith(std::string_view text, std::string_view prefix);
 // BeginsWith on an unindented line. A prefix longer than the text gives "" and a log entry.
 std::string GetEverythingAfter(Game& game, std::string_view text, std::string_view prefix);
 
+// The trimmed text after `keyword` on a line that BeginsWith it, indented or not. A line that
+// is the keyword alone, its trailing blank trimmed away, gives "".
+std::string TextAfterKeyword(std::string_view line, std::string_view keyword);
+
 // The text between the first "<" and the first ">" of the line, through the substitution passes
 // when `substitute` is set. A line without a proper <...> pair gives "" and a log entry.
 std::string RetrieveParameter(Game& game, std::string_view line, bool substitute);

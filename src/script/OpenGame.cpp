@@ -151,7 +151,7 @@ bool RunStartScripts(Game& game, BlockRange game_block) {
   for (int i : GameBlockLines(game_block)) {
     const std::string& line = game.text.Line(i);
     if (!BeginsWith(line, "startscript ")) continue;
-    statements.push_back(Trim(TrimView(line).substr(std::string_view("startscript").size())));
+    statements.push_back(TextAfterKeyword(line, "startscript "));
   }
   game.run.show_intro = true;
   const int opening = game.games_opened;

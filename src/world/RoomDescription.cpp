@@ -184,7 +184,7 @@ bool FindDescriptionLine(Game& game, BlockRange block, std::string& script) {
   ForEachInnerLine(game, block, [&](const std::string& line) {
     if (!BeginsWith(line, "description ")) return;
     found = true;
-    script = Trim(TrimView(line).substr(12));
+    script = TextAfterKeyword(line, "description ");
   });
   return found;
 }

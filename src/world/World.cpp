@@ -240,7 +240,7 @@ void EnterRoom(Game& game, std::string_view room) {
   std::string script;
   ForEachOwnLine(game.text, block, [&](const std::string& line) {
     if (!BeginsWith(line, "script ")) return false;
-    script = Trim(TrimView(line).substr(7));
+    script = TextAfterKeyword(line, "script ");
     return true;
   });
   ExecuteScript(game, script);

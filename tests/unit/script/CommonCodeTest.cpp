@@ -34,6 +34,16 @@ TEST(GetEverythingAfter, CountsCharactersAndLogsAPrefixLongerThanTheText) {
   EXPECT_EQ(t.host.log[0], "Error: Expected text after 'msg <' in 'msg'");
 }
 
+// A line that holds the keyword and its blank and nothing more begins with the keyword, yet
+// trimmed it is shorter than the keyword: it gives an empty text (it once read past its end).
+TEST(TextAfterKeyword, TrimsTheTextAndGivesNothingForTheKeywordAlone) {
+  EXPECT_EQ(TextAfterKeyword("    script  msg <hello>  ", "script "), "msg <hello>");
+  EXPECT_EQ(TextAfterKeyword("startscript do <a>", "startscript "), "do <a>");
+  EXPECT_EQ(TextAfterKeyword("    script ", "script "), "");
+  EXPECT_EQ(TextAfterKeyword("  description", "description "), "");
+  EXPECT_EQ(TextAfterKeyword("", "script "), "");
+}
+
 TEST(RetrieveParameter, TakesTheFirstPairAndLogsALineWithoutOne) {
   TempDir dir;
   TestGame t(dir);
