@@ -1,6 +1,7 @@
 #include "script/GameReader.h"
 
 #include <algorithm>
+#include <map>
 
 #include "base/Files.h"
 #include "base/Text.h"
@@ -24,15 +25,61 @@ bool EndsWith(std::string_view text, std::string_view suffix) {
   return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
 }
 
+bool IsAddToDefine(const std::string& line, bool synonyms) {
+  return synonyms ? line == "define synonyms" : BeginsWith(line, "define game ");
+}
+
+// What the libraries' "!addto" sections add, kept until every library is merged and then put in
+// place at once: inserting each section where it goes would move every later line of the game
+// once per section. The first `define game` and `define synonyms` lines are remembered too, each
+// search going on from where the last one stopped. Nothing is inserted before the end, so the
+// places found stay where they are.
+class AddToSections {
+ public:
+  int FirstDefine(const GameText& text, bool synonyms) {
+    Place& place = synonyms ? synonyms_ : game_;
+    for (int i = place.scanned + 1; place.found == 0 && i <= text.LineCount(); ++i) {
+      if (IsAddToDefine(text.Line(i), synonyms)) place.found = i;
+    }
+    place.scanned = place.found != 0 ? place.found : text.LineCount();
+    return place.found;
+  }
+
+  // Lines to go just before line `target`, after those that were added there before them.
+  void Add(int target, std::vector<std::string>::const_iterator first,
+           std::vector<std::string>::const_iterator last) {
+    std::vector<std::string>& lines = pending_[target];
+    lines.insert(lines.end(), first, last);
+    pending_lines_ += static_cast<int>(last - first);
+  }
+
+  int PendingLines() const { return pending_lines_; }
+
+  // Puts the added lines in place, the last place first so that the others do not move.
+  void InsertInto(GameText& text) {
+    for (auto it = pending_.rbegin(); it != pending_.rend(); ++it) {
+      text.lines.insert(text.lines.begin() + it->first, it->second.begin(), it->second.end());
+    }
+    pending_.clear();
+    pending_lines_ = 0;
+  }
+
+ private:
+  struct Place {
+    int scanned = 0;  // lines 1 to `scanned` have been searched
+    int found = 0;    // the first define line among them; 0 when none
+  };
+  Place game_;
+  Place synonyms_;
+  std::map<int, std::vector<std::string>> pending_;
+  int pending_lines_ = 0;
+};
+
 // Where an "!addto" section of a library goes: just before the "end define" of the game's
 // first `define game` block or of its `define synonyms` block. 0 when there is no such place.
-int FindAddToTarget(Game& game, bool synonyms) {
+int FindAddToTarget(Game& game, AddToSections& sections, bool synonyms) {
   GameText& text = game.text;
-  int define_line = 0;
-  for (int i = 1; i <= text.LineCount() && define_line == 0; ++i) {
-    const std::string& line = text.Line(i);
-    if (synonyms ? line == "define synonyms" : BeginsWith(line, "define game ")) define_line = i;
-  }
+  const int define_line = sections.FirstDefine(text, synonyms);
   if (define_line == 0 && synonyms) {
     if (!AddLine(text, "define synonyms") || !AddLine(text, "end define")) return -1;
     return text.LineCount();
@@ -45,7 +92,7 @@ int FindAddToTarget(Game& game, bool synonyms) {
 }
 
 // Merges one library's lines into the game. False when the game outgrows its line limit.
-bool MergeLibrary(Game& game, const std::vector<std::string>& lib) {
+bool MergeLibrary(Game& game, const std::vector<std::string>& lib, AddToSections& sections) {
   GameText& text = game.text;
   if (!lib.empty() && lib[0] == "!library") {
     auto version = std::find_if(lib.begin(), lib.end(), [](const std::string& line) {
@@ -62,7 +109,7 @@ bool MergeLibrary(Game& game, const std::vector<std::string>& lib) {
       const bool synonyms = line == "!addto synonyms";
       std::size_t section_end = j + 1;
       while (section_end < lib.size() && lib[section_end] != "!end") ++section_end;
-      const int target = FindAddToTarget(game, synonyms);
+      const int target = FindAddToTarget(game, sections, synonyms);
       if (target < 0) return false;
       const std::size_t count = section_end - (j + 1);
       if (target == 0) {
@@ -70,10 +117,11 @@ bool MergeLibrary(Game& game, const std::vector<std::string>& lib) {
                        "Warning: A library adds lines to the game block, but the game has "
                        "no 'define game' block with an 'end define'; the lines are ignored.");
       } else if (count > 0) {
-        if (text.LineCount() + static_cast<int>(count) > kMaxGameLines) return false;
+        if (text.LineCount() + sections.PendingLines() + static_cast<int>(count) > kMaxGameLines) {
+          return false;
+        }
         auto first = lib.begin() + static_cast<std::ptrdiff_t>(j + 1);
-        text.lines.insert(text.lines.begin() + target, first,
-                          first + static_cast<std::ptrdiff_t>(count));
+        sections.Add(target, first, first + static_cast<std::ptrdiff_t>(count));
       }
       j = section_end;
     } else if (line == "!library" || line[0] == '\'' || line.starts_with("!gwl-version ")) {
@@ -87,7 +135,8 @@ bool MergeLibrary(Game& game, const std::vector<std::string>& lib) {
 
 enum class IncludeResult { kMerged, kNotFound, kTooManyLines };
 
-IncludeResult IncludeLibrary(Game& game, int line_number, bool game_path_is_program_folder) {
+IncludeResult IncludeLibrary(Game& game, int line_number, bool game_path_is_program_folder,
+                             AddToSections& sections) {
   const std::string lib = RetrieveParameter(game, game.text.Line(line_number), true);
   std::vector<std::string> lib_lines;
   LogScriptError(game, "Including library " + game.game_path + lib + " (game path)");
@@ -103,7 +152,8 @@ IncludeResult IncludeLibrary(Game& game, int line_number, bool game_path_is_prog
     LogScriptError(game, "ERROR: Library not found.");
     return IncludeResult::kNotFound;
   }
-  return MergeLibrary(game, lib_lines) ? IncludeResult::kMerged : IncludeResult::kTooManyLines;
+  return MergeLibrary(game, lib_lines, sections) ? IncludeResult::kMerged
+                                                 : IncludeResult::kTooManyLines;
 }
 
 std::size_t CountOf(std::string_view text, char c) {
@@ -266,9 +316,10 @@ bool ReadGameFile(Game& game, const std::string& path) {
   const bool game_path_is_program_folder =
       LCase(game.game_path) == LCase(game.program_folder + "/");
   const int own_lines = text.LineCount();
+  AddToSections sections;
   for (int i = 1; i <= own_lines; ++i) {
     if (!BeginsWith(text.Line(i), "!include ")) continue;
-    switch (IncludeLibrary(game, i, game_path_is_program_folder)) {
+    switch (IncludeLibrary(game, i, game_path_is_program_folder, sections)) {
       case IncludeResult::kMerged:
         break;
       case IncludeResult::kNotFound:
@@ -278,6 +329,7 @@ bool ReadGameFile(Game& game, const std::string& path) {
         return false;
     }
   }
+  sections.InsertInto(text);
 
   if (!BuildBlockIndex(game)) return false;
   if (!RewriteBraces(game)) {

@@ -109,6 +109,31 @@ TEST(Libraries, MergeAppendsAndAddsToTheGameAndSynonymsBlocksInOrder) {
   EXPECT_EQ(FindBlock(t.game, "synonyms"), (BlockRange{12, 14}));
 }
 
+// Sections of several libraries go into the game and synonyms blocks in the order they come,
+// and the game's own include lines after the blocks are still found once lines were added above
+// them.
+TEST(Libraries, SectionsOfSeveralLibrariesKeepTheirOrder) {
+  TempDir dir;
+  TestGame t(dir);
+  for (const char* name : {"a", "b"}) {
+    dir.Write(std::string(name) + ".gwl", std::string("!addto game\n  startscript msg <") + name +
+                                              "1>\n!end\n!addto synonyms\n  " + name +
+                                              " = take\n!end\n!addto game\n  startscript msg <" +
+                                              name + "2>\n!end\n");
+  }
+  ASSERT_TRUE(ReadSource(t, dir,
+                         "define game <G>\n"
+                         "end define\n"
+                         "define synonyms\n"
+                         "end define\n"
+                         "!include <a.gwl>\n"
+                         "!include <b.gwl>\n"));
+  EXPECT_EQ(LinesOf(t.game),
+            (Lines{"define game <G>", "  startscript msg <a1>", "  startscript msg <a2>",
+                   "  startscript msg <b1>", "  startscript msg <b2>", "end define",
+                   "define synonyms", "  a = take", "  b = take", "end define", "", ""}));
+}
+
 TEST(Libraries, AreLookedForInTheProgramFolderNextAndMayNotBeMissing) {
   TempDir dir;
   dir.Write("program/shared.gwl", "msg <no header>\n");
