@@ -31,6 +31,11 @@ constexpr long kFuzzTotalStatementLimit = 15000;
 // fuzz/run.sh numbers the turn target's games with the same rule (find -size).
 constexpr std::uintmax_t kMaxTurnGameBytes = 65536;
 
+// The fuzzer's bytes as text.
+std::string_view AsText(const uint8_t* data, std::size_t size) {
+  return std::string_view(reinterpret_cast<const char*>(data), size);
+}
+
 bool WriteFile(const fs::path& path, std::string_view bytes) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
@@ -167,7 +172,7 @@ std::deque<std::string> SplitLines(std::string_view input, std::size_t max_lines
 }
 
 void RunGameReader(const Workspace& workspace, const uint8_t* data, std::size_t size) {
-  const std::string_view input(reinterpret_cast<const char*>(data), size);
+  const std::string_view input = AsText(data, size);
   const fs::path folder = FreshFolder(workspace.folder(), "reader");
   const std::size_t split = input.find(kLibrarySeparator);
   if (!WriteFile(folder / "game.gwl", input.substr(0, split))) return;
@@ -183,8 +188,7 @@ void RunGameReader(const Workspace& workspace, const uint8_t* data, std::size_t 
 
 void RunCompiledReader(const Workspace& workspace, const uint8_t* data, std::size_t size) {
   const fs::path folder = FreshFolder(workspace.folder(), "compiled");
-  if (!WriteFile(folder / "game.cgw",
-                 std::string_view(reinterpret_cast<const char*>(data), size))) {
+  if (!WriteFile(folder / "game.cgw", AsText(data, size))) {
     return;
   }
   FuzzHost host;
@@ -211,8 +215,7 @@ void RunTurns(const Workspace& workspace, const uint8_t* data, std::size_t size)
   if (size == 0 || workspace.games().empty()) return;
   const std::string& chosen = workspace.games()[data[0] % workspace.games().size()];
   FuzzHost host;
-  host.lines = SplitLines(std::string_view(reinterpret_cast<const char*>(data) + 1, size - 1),
-                          kMaxTurnLines);
+  host.lines = SplitLines(AsText(data + 1, size - 1), kMaxTurnLines);
   Game game(host);
   PrepareGame(game, workspace);
   if (!OpenGame(game, CopyGameFolder(workspace, chosen))) return;
@@ -225,8 +228,7 @@ void RunTurns(const Workspace& workspace, const uint8_t* data, std::size_t size)
 
 void RunStatements(const Workspace& workspace, const uint8_t* data, std::size_t size) {
   FuzzHost host;
-  host.lines =
-      SplitLines(std::string_view(reinterpret_cast<const char*>(data), size), kMaxStatementLines);
+  host.lines = SplitLines(AsText(data, size), kMaxStatementLines);
   Game game(host);
   PrepareGame(game, workspace);
   if (!OpenGame(game, CopyGameFolder(workspace, workspace.statement_game()))) return;
@@ -264,8 +266,7 @@ fs::path SavedGameFolder(const Workspace& workspace) {
 
 void RunSavedGame(const Workspace& workspace, const uint8_t* data, std::size_t size) {
   const fs::path folder = SavedGameFolder(workspace);
-  if (!WriteFile(folder / "game.tsg",
-                 std::string_view(reinterpret_cast<const char*>(data), size))) {
+  if (!WriteFile(folder / "game.tsg", AsText(data, size))) {
     return;
   }
   FuzzHost host;
