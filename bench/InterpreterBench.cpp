@@ -8,10 +8,10 @@
 #include <string_view>
 
 #include "LargeGame.h"
+#include "game/Game.h"
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Variables.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 
 namespace {
 

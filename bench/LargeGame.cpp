@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "game/Game.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 #include "script/GameReader.h"
 
 namespace tarve::bench {

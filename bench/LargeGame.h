@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "script/Host.h"
+#include "game/Host.h"
 
 namespace tarve::bench {
 
@@ -52,7 +52,7 @@ std::string CheckLargeGame(const std::string& folder, const LargeGameFigures& fi
 
 // A host that shows nothing: the reader's only calls to the outside world are message boxes
 // on failure.
-class NullHost : public Host {
+class NullHost : public OutputPane, public Dialogs, public GameWindow, public PlatformServices {
  public:
   void InsertText(std::string_view) override {}
   int ShowMessage(const std::string& text, const std::string& title, int) override {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "LargeGame.h"
-#include "script/Game.h"
+#include "game/Game.h"
 #include "script/GameReader.h"
 
 namespace {

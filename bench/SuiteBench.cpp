@@ -13,12 +13,12 @@
 
 #include "LargeGame.h"
 #include "base/Text.h"
+#include "game/Game.h"
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Variables.h"
-#include "player/MainWindow.h"
+#include "player/OpenGame.h"
+#include "player/Player.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
-#include "script/OpenGame.h"
 #include "world/World.h"
 
 namespace {
@@ -125,19 +125,19 @@ void TimeWalks(benchmark::State& state, const std::string& path, int turns, Play
   for (auto _ : state) {
     state.PauseTiming();
     auto host = std::make_unique<QuietHost>();
-    auto game = std::make_unique<tarve::Game>(*host);
-    const bool opened = tarve::OpenGame(*game, path);
+    auto player = std::make_unique<tarve::Player>(*host);
+    const bool opened = player->OpenGame(path);
     state.ResumeTiming();
     if (!opened) {
       state.SkipWithError("the game did not open");
       return;
     }
-    if (!play(*game)) {
+    if (!play(*player)) {
       state.SkipWithError("the walk ended the game");
       return;
     }
     state.PauseTiming();
-    game.reset();
+    player.reset();
     host.reset();
     state.ResumeTiming();
   }
@@ -148,13 +148,13 @@ void TimeWalks(benchmark::State& state, const std::string& path, int turns, Play
 
 void BM_DemoWalk(benchmark::State& state) {
   const int turns = static_cast<int>(state.range(0));
-  TimeWalks(state, DemoPath(), turns, [turns](tarve::Game& game) {
+  TimeWalks(state, DemoPath(), turns, [turns](tarve::Player& player) {
     for (int t = 0; t < turns; ++t) {
       const std::size_t step = static_cast<std::size_t>(t) % kWalk.size();
-      if (step == 0) tarve::SetNumericVariable(game, "moves", 0);
-      tarve::SubmitCommand(game, kWalk[step]);
+      if (step == 0) tarve::SetNumericVariable(player.game(), "moves", 0);
+      player.SubmitCommand(kWalk[step]);
     }
-    return !game.run.game_over;
+    return !player.game_over();
   });
 }
 
@@ -197,8 +197,9 @@ std::string Fill(std::string text, std::string_view marker, std::string_view val
 std::vector<std::string> PlanLargeGameWalk(const std::string& path, int turns) {
   static constexpr std::array<std::string_view, 4> kExits = {"south", "west", "north", "east"};
   QuietHost host;
-  tarve::Game game(host);
-  if (!tarve::OpenGame(game, path)) return {};
+  tarve::Player player(host);
+  tarve::Game& game = player.game();
+  if (!player.OpenGame(path)) return {};
   std::vector<std::string> walk;
   std::string object = "lamp 1";
   for (int t = 0; t < turns && !game.run.game_over; ++t) {
@@ -207,7 +208,7 @@ std::vector<std::string> PlanLargeGameWalk(const std::string& path, int turns) {
     std::string command = Fill(std::string(kLargeGameRound[step]), "{object}", object);
     command = Fill(command, "{exit}", kExits[(static_cast<std::size_t>(t) / 10) % kExits.size()]);
     command = Fill(command, "{character}", ThingHere(game, tarve::ThingKind::kCharacter, "Aino 1"));
-    tarve::SubmitCommand(game, command);
+    player.SubmitCommand(command);
     walk.push_back(std::move(command));
   }
   if (game.run.game_over) walk.clear();
@@ -224,9 +225,9 @@ void BM_LargeGameWalk(benchmark::State& state) {
     state.SkipWithError(path.empty() ? error.c_str() : "the walk did not go the whole way");
     return;
   }
-  TimeWalks(state, path, turns, [&walk](tarve::Game& game) {
-    for (const std::string& command : walk) tarve::SubmitCommand(game, command);
-    return !game.run.game_over;
+  TimeWalks(state, path, turns, [&walk](tarve::Player& player) {
+    for (const std::string& command : walk) player.SubmitCommand(command);
+    return !player.game_over();
   });
 }
 

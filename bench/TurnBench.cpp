@@ -12,8 +12,8 @@
 #include <string>
 
 #include "LargeGame.h"
-#include "script/Game.h"
-#include "script/OpenGame.h"
+#include "game/Game.h"
+#include "player/OpenGame.h"
 #include "world/CommandParser.h"
 
 namespace {

@@ -8,13 +8,13 @@
 #include <fstream>
 #include <system_error>
 
+#include "game/Game.h"
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Variables.h"
-#include "player/MainWindow.h"
+#include "player/OpenGame.h"
+#include "player/Player.h"
 #include "player/SavedGames.h"
-#include "script/Game.h"
 #include "script/KeywordTable.h"
-#include "script/OpenGame.h"
 
 namespace tarve::fuzz {
 
@@ -139,15 +139,15 @@ std::optional<std::string> FuzzHost::InputBox(const std::string& title, const st
   return Next();
 }
 
-void FuzzHost::ProcessEventsUntil(Game& game, const std::function<bool()>& done) {
-  while (!done() && !closed) {
+void FuzzHost::ProcessEventsUntil(const std::function<bool()>& done) {
+  while (!done() && !closed && player != nullptr) {
     std::optional<std::string> line = Next();
     if (!line) {
-      EndAllWaits(game);
+      player->EndOfInput();
       return;
     }
     // Enter ends a pending key wait; otherwise the line goes to the command box.
-    SubmitCommand(game, *line);
+    player->SubmitCommand(*line);
   }
 }
 
@@ -181,7 +181,9 @@ void RunGameReader(const Workspace& workspace, const uint8_t* data, std::size_t 
     return;
   }
   FuzzHost host;
-  Game game(host);
+  Player player(host);
+  host.player = &player;
+  Game& game = player.game();
   PrepareGame(game, workspace);
   OpenGame(game, (folder / "game.gwl").string());
 }
@@ -192,7 +194,9 @@ void RunCompiledReader(const Workspace& workspace, const uint8_t* data, std::siz
     return;
   }
   FuzzHost host;
-  Game game(host);
+  Player player(host);
+  host.player = &player;
+  Game& game = player.game();
   PrepareGame(game, workspace);
   OpenGame(game, (folder / "game.cgw").string());
 }
@@ -216,20 +220,24 @@ void RunTurns(const Workspace& workspace, const uint8_t* data, std::size_t size)
   const std::string& chosen = workspace.games()[data[0] % workspace.games().size()];
   FuzzHost host;
   host.lines = SplitLines(AsText(data + 1, size - 1), kMaxTurnLines);
-  Game game(host);
+  Player player(host);
+  host.player = &player;
+  Game& game = player.game();
   PrepareGame(game, workspace);
   if (!OpenGame(game, CopyGameFolder(workspace, chosen))) return;
   while (!host.closed && !game.run.game_over && !host.lines.empty()) {
     std::string line = std::move(host.lines.front());
     host.lines.pop_front();
-    SubmitCommand(game, line);
+    player.SubmitCommand(line);
   }
 }
 
 void RunStatements(const Workspace& workspace, const uint8_t* data, std::size_t size) {
   FuzzHost host;
   host.lines = SplitLines(AsText(data, size), kMaxStatementLines);
-  Game game(host);
+  Player player(host);
+  host.player = &player;
+  Game& game = player.game();
   PrepareGame(game, workspace);
   if (!OpenGame(game, CopyGameFolder(workspace, workspace.statement_game()))) return;
   const char* const variables[] = {"fuzz1", "fuzz2", "fuzzn"};
@@ -270,12 +278,14 @@ void RunSavedGame(const Workspace& workspace, const uint8_t* data, std::size_t s
     return;
   }
   FuzzHost host;
-  Game game(host);
+  Player player(host);
+  host.player = &player;
+  Game& game = player.game();
   PrepareGame(game, workspace);
   if (!OpenGame(game, (folder / "demo.gwl").string())) return;
-  SubmitCommand(game, "north");
+  player.SubmitCommand("north");
   LoadSavedGame(game, (folder / "game.tsg").string());
-  if (!host.closed && !game.run.game_over) SubmitCommand(game, "look");
+  if (!host.closed && !game.run.game_over) player.SubmitCommand("look");
 }
 
 std::string MakeSavedGameSeed(const Workspace& workspace, const std::string& game_file,
@@ -283,10 +293,12 @@ std::string MakeSavedGameSeed(const Workspace& workspace, const std::string& gam
   const fs::path folder = SavedGameFolder(workspace);
   const std::string path = (folder / game_file).string();
   FuzzHost host;
-  Game game(host);
+  Player player(host);
+  host.player = &player;
+  Game& game = player.game();
   PrepareGame(game, workspace);
   if (!OpenGame(game, path)) return {};
-  for (const std::string& command : commands) SubmitCommand(game, command);
+  for (const std::string& command : commands) player.SubmitCommand(command);
   std::string text = SavedGameText(game);
   const std::size_t at = text.find(path);
   if (at != std::string::npos) text.replace(at, path.size(), game_file);

@@ -12,7 +12,11 @@
 #include <string_view>
 #include <vector>
 
-#include "script/Host.h"
+#include "game/Host.h"
+
+namespace tarve {
+class Player;
+}  // namespace tarve
 
 namespace tarve::fuzz {
 
@@ -49,15 +53,16 @@ class Workspace {
 // line (beginning with "y" or "o": Yes/OK), an input box a line, a selection a number, and a wait
 // takes the next line as a key press or a command. With the queue empty, boxes are cancelled and
 // waits end, so no input can leave the player waiting.
-class FuzzHost : public Host {
+class FuzzHost : public OutputPane, public Dialogs, public GameWindow, public PlatformServices {
  public:
   std::deque<std::string> lines;
+  Player* player = nullptr;  // the command box that waits hand their lines to
   bool closed = false;
 
   void InsertText(std::string_view text) override { printed += text.size(); }
   int ShowMessage(const std::string& text, const std::string& title, int style) override;
   std::optional<std::string> InputBox(const std::string& title, const std::string& prompt) override;
-  void ProcessEventsUntil(Game& game, const std::function<bool()>& done) override;
+  void ProcessEventsUntil(const std::function<bool()>& done) override;
   int ShowSelection(const std::string& prompt, const std::vector<std::string>& answers) override;
   void CloseGame(bool end_program) override {
     (void)end_program;

@@ -12,11 +12,11 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/ExecuteScript.h"
-#include "interpreter/ScriptLog.h"
-#include "player/Output.h"
+#include "output/Output.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 #include "world/Items.h"
 #include "world/World.h"
 
@@ -59,8 +59,8 @@ void ReportMissingThen(Game& game, std::string_view statement) {
   const std::string message =
       "Expected 'then' missing from script statement '" + std::string(statement) + "'";
   LogScriptError(game, message);
-  game.host.ShowMessage(message + " - unable to execute this statement.", "GWL Script Error",
-                        kOkOnly + kExclamation);
+  game.host.dialogs.ShowMessage(message + " - unable to execute this statement.",
+                                "GWL Script Error", kOkOnly + kExclamation);
   PrintText(game, "|cr|bScript error encountered|cb|xb");
 }
 
@@ -116,7 +116,7 @@ std::optional<bool> EvaluateTest(Game& game, std::string_view piece) {
     case Test::kHas:
       return TestHas(game, parameter);
     case Test::kAsk:
-      return game.host.ShowMessage(parameter, "Tarve", kYesNo) == kAnswerYes;
+      return game.host.dialogs.ShowMessage(parameter, "Tarve", kYesNo) == kAnswerYes;
     case Test::kIs: {
       const std::string_view texts = parameter;
       const std::size_t semicolon = texts.find(';');

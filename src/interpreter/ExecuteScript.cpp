@@ -13,15 +13,15 @@
 
 #include "base/Numbers.h"
 #include "base/Text.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/Conditions.h"
 #include "interpreter/ExternalCommands.h"
-#include "interpreter/ScriptLog.h"
 #include "interpreter/Selection.h"
 #include "interpreter/Substitution.h"
 #include "interpreter/Variables.h"
-#include "player/Output.h"
+#include "output/Output.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 #include "world/CommandParser.h"
 #include "world/Items.h"
 #include "world/RoomDescription.h"
@@ -111,7 +111,7 @@ void MovePlayerTo(Game& game, const std::string& room) {
   game.world.current_room = room;
   DescribeRoom(game, room);
   RefreshInventory(game);
-  game.host.Repaint();
+  game.host.pane.Repaint();
   // Every script line of the room runs, in block order.
   NestedScript nested(game);
   if (!nested.entered()) return;
@@ -129,8 +129,8 @@ void Goto(Game& game, const Statement& s) {
 
 void EndGame(Game& game, bool won) {
   DisplayText(game, won ? "win" : "lose");
-  game.host.GameOver();
-  game.host.SetStatusText(
+  game.host.window.GameOver();
+  game.host.window.SetStatusText(
       "GAME OVER - select 'Exit this game' from the 'Tarve' menu to exit, or 'Restart this game' "
       "to play again.");
   game.run.game_over = true;
@@ -241,18 +241,18 @@ void Enter(Game& game, const Statement& s) {
   const std::optional<std::string> name = Parameter(game, s);
   if (!name) return;
   Host& host = game.host;
-  host.EnableGameControls(false);
-  host.ClearCommandBox();
+  host.window.EnableGameControls(false);
+  host.window.ClearCommandBox();
   ParserState& parser = game.parser;
   parser.waiting_for_input = true;
   parser.input_variable = *name;
   // The main window puts the next typed line into the variable and clears the flag. Once no
   // more input can come, waiting would never end.
   if (!game.run.input_ended) {
-    host.ProcessEventsUntil(game, [&parser] { return !parser.waiting_for_input; });
+    host.window.ProcessEventsUntil([&parser] { return !parser.waiting_for_input; });
   }
   parser.waiting_for_input = false;
-  host.EnableGameControls(true);
+  host.window.EnableGameControls(true);
 }
 
 void DisplayTextStatement(Game& game, const Statement& s) {
@@ -275,13 +275,13 @@ void Pause(Game& game, const Statement& s) {
                              "skipped.");
     return;
   }
-  game.host.Repaint();
+  game.host.pane.Repaint();
   game.parser.paused = true;
-  if (*milliseconds > 0) game.host.Sleep(*milliseconds);
+  if (*milliseconds > 0) game.host.platform.Sleep(*milliseconds);
   game.parser.paused = false;
 }
 
-void Clear(Game& game, const Statement&) { game.host.ClearOutput(); }
+void Clear(Game& game, const Statement&) { game.host.pane.ClearOutput(); }
 
 void NoIntro(Game& game, const Statement&) { game.run.show_intro = false; }
 
@@ -474,27 +474,6 @@ bool EnterNestedScript(Game& game) {
     return false;
   }
   return true;
-}
-
-bool ChargeStatements(Game& game, long count) {
-  RunState& run = game.run;
-  if (run.script_depth == 0) return true;
-  if (run.unwinding) return false;
-  run.statements_run += count;
-  game.statements_total += count;
-  std::string cut;
-  if (run.statements_run > game.statement_limit) {
-    cut = "Error: The statement ran more than " + std::to_string(game.statement_limit) +
-          " statements and calls (loops inside loops?) - the rest of it was skipped.";
-  } else if (game.statements_total > game.total_statement_limit) {
-    cut = "Error: The game ran more than " + std::to_string(game.total_statement_limit) +
-          " statements and calls in all - the rest of the statement was skipped.";
-  } else {
-    return true;
-  }
-  run.unwinding = true;
-  LogScriptError(game, cut);
-  return false;
 }
 
 void LeaveNestedScript(Game& game) {

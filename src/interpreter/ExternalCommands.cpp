@@ -14,10 +14,10 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
-#include "interpreter/ScriptLog.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/Variables.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 
 namespace tarve {
 
@@ -146,20 +146,20 @@ void ExecutePlayWav(Game& game, std::string_view parameter) {
   }
   if (name.find('.') == std::string::npos) name += ".wav";
   // A sound the script waits for is heard with the window up to date.
-  if (sync) game.host.Repaint();
-  game.host.PlayWave(GameFilePath(game, name), sync);
+  if (sync) game.host.pane.Repaint();
+  game.host.platform.PlayWave(GameFilePath(game, name), sync);
 }
 
 void ExecutePlayMidi(Game& game, std::string_view parameter) {
   if (parameter.empty()) {
-    game.host.StopMidi();
+    game.host.platform.StopMidi();
     return;
   }
-  game.host.PlayMidi(GameFilePath(game, parameter));
+  game.host.platform.PlayMidi(GameFilePath(game, parameter));
 }
 
 void ExecuteShow(Game& game, std::string_view parameter) {
-  game.host.ShowPicture(GameFilePath(game, parameter));
+  game.host.platform.ShowPicture(GameFilePath(game, parameter));
 }
 
 void ExecuteShell(Game& game, std::string_view parameter) {
@@ -176,23 +176,23 @@ void ExecuteShell(Game& game, std::string_view parameter) {
     ShellFailed(game, file, "disallowed by user's Tarve security settings", 0);
     return;
   }
-  switch (game.host.OpenDocument(path, EqualsNoCase(mode, "notactive"))) {
-    case Host::OpenResult::kNotFound:
+  switch (game.host.platform.OpenDocument(path, EqualsNoCase(mode, "notactive"))) {
+    case PlatformServices::OpenResult::kNotFound:
       ShellFailed(game, file, "file/path not found", 2);
       break;
-    case Host::OpenResult::kNoAssociation:
+    case PlatformServices::OpenResult::kNoAssociation:
       ShellFailed(game, file, "file association does not exist or is incomplete", 3);
       break;
-    case Host::OpenResult::kOutOfMemory:
+    case PlatformServices::OpenResult::kOutOfMemory:
       ShellFailed(game, file, "out of memory", 4);
       break;
-    case Host::OpenResult::kOpened:
+    case PlatformServices::OpenResult::kOpened:
       break;
   }
 }
 
 void ExecuteMailTo(Game& game, std::string_view parameter) {
-  game.host.OpenDocument("mailto:" + std::string(parameter), false);
+  game.host.platform.OpenDocument("mailto:" + std::string(parameter), false);
 }
 
 void ExecuteAdvFunc(Game& game, std::string_view rest) {
@@ -202,7 +202,7 @@ void ExecuteAdvFunc(Game& game, std::string_view rest) {
   if (code == "0001") {
     CopyGameFile(game, parameter);
   } else {
-    game.host.OpenDocument(parameter, false);
+    game.host.platform.OpenDocument(parameter, false);
   }
 }
 

@@ -11,10 +11,10 @@
 
 #include "base/Numbers.h"
 #include "base/Text.h"
+#include "game/Game.h"
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Variables.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 #include "world/World.h"
 
 namespace tarve {

@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "base/Text.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/ExecuteScript.h"
-#include "interpreter/ScriptLog.h"
-#include "player/Output.h"
+#include "output/Output.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 
 namespace tarve {
 
@@ -58,7 +58,7 @@ std::string ShowSelection(Game& game, std::string_view name) {
   std::vector<std::string> shown;
   const std::size_t count = std::min(answers.size(), kMaxShownAnswers);
   for (std::size_t i = 0; i < count; ++i) shown.push_back(answers[i].text);
-  const int picked = game.host.ShowSelection(prompt, shown);
+  const int picked = game.host.dialogs.ShowSelection(prompt, shown);
   // Closing the dialog without confirming picks nothing: no echo, no script.
   if (picked < 0 || static_cast<std::size_t>(picked) >= count) return std::string();
   PrintText(game, "- " + shown[static_cast<std::size_t>(picked)] + "|n");

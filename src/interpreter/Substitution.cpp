@@ -7,12 +7,12 @@
 
 #include "base/Numbers.h"
 #include "base/Text.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Functions.h"
-#include "interpreter/ScriptLog.h"
 #include "interpreter/Variables.h"
-#include "player/Output.h"
-#include "script/Game.h"
+#include "output/Output.h"
 #include "world/Items.h"
 
 namespace tarve {

@@ -11,9 +11,9 @@
 
 #include "base/Numbers.h"
 #include "base/Text.h"
-#include "interpreter/ScriptLog.h"
-#include "player/Output.h"
-#include "script/Game.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
+#include "output/Output.h"
 
 namespace tarve {
 
@@ -96,8 +96,9 @@ void WriteVariable(Game& game, VariableTable& table, VariableStore store, std::s
     table.index.emplace(LCase(name), row);
   }
   const VariableEntry& entry = table.entries[row];
-  game.host.VariableViewerRow(static_cast<int>(store), static_cast<int>(table.entries.size()) + 1,
-                              static_cast<int>(row) + 1, entry.name, entry.value);
+  game.host.window.VariableViewerRow(static_cast<int>(store),
+                                     static_cast<int>(table.entries.size()) + 1,
+                                     static_cast<int>(row) + 1, entry.name, entry.value);
 }
 
 // Splits a setstring/setvar parameter at its first ";". A parameter without one has nowhere to
@@ -170,7 +171,8 @@ std::optional<int16_t> EvaluateExpression(Game& game, std::string_view expressio
   }
   if (b == 0) {
     LogScriptError(game, "Error: Division by zero");
-    game.host.ShowMessage("Error: Division by zero", "GWL Script Error", kOkOnly + kExclamation);
+    game.host.dialogs.ShowMessage("Error: Division by zero", "GWL Script Error",
+                                  kOkOnly + kExclamation);
     PrintText(game, "|cr|bScript error encountered|cb|xb");
     return int16_t{0};
   }

@@ -12,11 +12,11 @@
 #include "base/Files.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
-#include "interpreter/ScriptLog.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/Variables.h"
-#include "player/Output.h"
-#include "script/Game.h"
-#include "script/OpenGame.h"
+#include "output/Output.h"
+#include "player/OpenGame.h"
 #include "world/Items.h"
 #include "world/RoomDescription.h"
 #include "world/World.h"
@@ -336,7 +336,7 @@ bool IsReadableFile(const std::string& path) {
 }
 
 void FormatError(Game& game, const char* text) {
-  game.host.ShowMessage(text, kFormatErrorTitle, kOkOnly);
+  game.host.dialogs.ShowMessage(text, kFormatErrorTitle, kOkOnly);
 }
 
 // The first thing of exactly that name (letter case counts, as in the file).
@@ -408,12 +408,12 @@ std::string SavedGameText(const Game& game) {
 
 bool SaveGame(Game& game, const std::string& path) {
   if (game.game_file.empty()) {
-    game.host.ShowMessage("There is no game in progress to save.", "Error", kOkOnly);
+    game.host.dialogs.ShowMessage("There is no game in progress to save.", "Error", kOkOnly);
     return false;
   }
   if (!WriteFileAtomically(path, SavedGameText(game))) {
     LogScriptError(game, "Error: Unable to save the game to " + path + ".");
-    game.host.ShowMessage("Unable to save the game to " + path, "Error", kOkOnly);
+    game.host.dialogs.ShowMessage("Unable to save the game to " + path, "Error", kOkOnly);
     return false;
   }
   game.run.current_saved_game_path = path;
@@ -435,7 +435,7 @@ bool LoadSavedGame(Game& game, const std::string& path) {
       FormatError(game, kTooLargeText);
     } else {
       LogScriptError(game, "Unable to open " + path);
-      game.host.ShowMessage("Unable to open " + path, "Error", kOkOnly);
+      game.host.dialogs.ShowMessage("Unable to open " + path, "Error", kOkOnly);
     }
     return false;
   }
@@ -462,7 +462,7 @@ bool LoadSavedGame(Game& game, const std::string& path) {
   const std::string game_file = LocateGameFile(data.game_file, path);
   if (!IsReadableFile(game_file)) {
     LogScriptError(game, "Unable to open " + game_file);
-    game.host.ShowMessage("Unable to open " + game_file, "Error", kOkOnly);
+    game.host.dialogs.ShowMessage("Unable to open " + game_file, "Error", kOkOnly);
     return false;
   }
 
@@ -473,7 +473,7 @@ bool LoadSavedGame(Game& game, const std::string& path) {
   if (game.games_opened != games_opened + 1) return false;
 
   game.run.current_saved_game_path = path;
-  game.host.ClearOutput();
+  game.host.pane.ClearOutput();
   for (std::size_t line : data.skipped_lines) {
     LogScriptError(game, "Warning: Line " + std::to_string(line) + " of the saved game " + path +
                              " is not a complete record, so it was skipped.");

@@ -11,9 +11,9 @@
 #include "base/Files.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
+#include "game/Game.h"
 #include "player/SettingsStore.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 
 namespace tarve {
 
@@ -196,8 +196,10 @@ bool LoadSettings(Game& game, SettingsStore& store, const FirstRunSetup& setup) 
   const bool setup_ran = RunFirstRunSetup(store, setup);
   game.settings = ReadSettings(store);
   if (setup_ran) {
-    game.host.ShowMessage("Thank you for installing Tarve! Setup is now complete.",
-                          "Setup Complete", kOkOnly);
+    // The splash would stand in front of the message.
+    game.host.dialogs.CloseSplash();
+    game.host.dialogs.ShowMessage("Thank you for installing Tarve! Setup is now complete.",
+                                  "Setup Complete", kOkOnly);
   }
   return setup_ran;
 }
@@ -283,14 +285,14 @@ bool AddInstalledGame(Game& game, SettingsStore& store, const std::string& path)
   if (title.rfind("__", 0) == 0) {
     const char* reason = title == "__CANTOPEN" ? "- the file could not be opened."
                                                : "- the file appears to be invalid.";
-    game.host.ShowMessage(
+    game.host.dialogs.ShowMessage(
         "Unable to add " + path + " to the 'Installed Games' list\n" + std::string(reason), "Error",
         kOkOnly);
     return false;
   }
   const int count = std::max(0, ReadCount(store, kGames, "NumInstalled", "0"));
   if (count >= kMaxListEntries) {
-    game.host.ShowMessage(
+    game.host.dialogs.ShowMessage(
         "Unable to add " + path + " to the 'Installed Games' list\n- the list is full.", "Error",
         kOkOnly);
     return false;

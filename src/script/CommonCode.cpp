@@ -3,9 +3,8 @@
 #include <utf8proc.h>
 
 #include "base/Text.h"
-#include "interpreter/ScriptLog.h"
-#include "interpreter/Substitution.h"
-#include "script/Game.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 
 namespace tarve {
 
@@ -94,7 +93,7 @@ std::string RetrieveParameter(Game& game, std::string_view line, bool substitute
     LogScriptError(game, "Error: Expected a <...> parameter in '" + std::string(line) + "'");
     return std::string();
   }
-  if (substitute) return SubstituteAll(game, parameter);
+  if (substitute) return game.substitute_all(game, parameter);
   return std::string(parameter);
 }
 
@@ -120,7 +119,7 @@ BlockRange FindBlockByName(Game& game, std::string_view type, std::string_view n
     for (int index : it->second) {
       if (index > found) break;
       const BlockRecord& block = game.text.blocks[static_cast<std::size_t>(index)];
-      if (SubstituteAll(game, block.parameter) == name) {
+      if (game.substitute_all(game, block.parameter) == name) {
         found = index;
         break;
       }

@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "base/Text.h"
+#include "game/Game.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 
 namespace tarve {
 
@@ -29,13 +29,13 @@ bool IsTextBlockStart(std::string_view line) { return BeginsWith(line, "define t
 
 bool ReadCompiledGame(Game& game, std::string_view bytes, std::vector<std::string>& lines) {
   if (bytes.substr(0, kCompiledMagic.size()) != kCompiledMagic) {
-    game.host.ShowMessage("Invalid or corrupted file!", "Tarve", kOkOnly);
+    game.host.dialogs.ShowMessage("Invalid or corrupted file!", "Tarve", kOkOnly);
     return false;
   }
   const KeywordTable& table = game.keywords;
   Host& host = game.host;
   const std::string caption = "Please wait, loading game...";
-  host.ShowProgress(caption, 0);
+  host.dialogs.ShowProgress(caption, 0);
   int shown_percent = 0;
 
   std::size_t pos = 8;  // the eighth byte is not read
@@ -46,7 +46,7 @@ bool ReadCompiledGame(Game& game, std::string_view bytes, std::vector<std::strin
     const int percent = static_cast<int>((pos - 8) * 100 / bytes.size());
     if (percent != shown_percent) {
       shown_percent = percent;
-      host.ShowProgress(caption, percent);
+      host.dialogs.ShowProgress(caption, percent);
     }
     line.clear();
     bool finished = false;
@@ -92,7 +92,7 @@ bool ReadCompiledGame(Game& game, std::string_view bytes, std::vector<std::strin
     }
     pos = end;
   }
-  host.CloseProgress();
+  host.dialogs.CloseProgress();
   return true;
 }
 

@@ -5,10 +5,10 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
-#include "interpreter/ScriptLog.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "script/CommonCode.h"
 #include "script/CompiledGame.h"
-#include "script/Game.h"
 
 namespace tarve {
 
@@ -296,7 +296,7 @@ bool ReadGameFile(Game& game, const std::string& path) {
       return false;
     }
   } else {
-    game.host.ShowMessage(
+    game.host.dialogs.ShowMessage(
         "Unrecognized file extension!\n\nTarve can only read game files with .GWL or .CGW "
         "extensions.",
         "Error", kOkOnly);
@@ -340,8 +340,9 @@ bool ReadGameFile(Game& game, const std::string& path) {
   JoinContinuations(game);
 
   if (CheckBracketsAndNames(game)) {
-    game.host.ShowMessage("Errors found in " + path + ": Read logfile (if enabled) for details.",
-                          "Failed to load game", kOkOnly);
+    game.host.dialogs.ShowMessage(
+        "Errors found in " + path + ": Read logfile (if enabled) for details.",
+        "Failed to load game", kOkOnly);
     return false;
   }
   return true;

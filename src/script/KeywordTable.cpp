@@ -5,8 +5,8 @@
 #include "base/Files.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
-#include "interpreter/ScriptLog.h"
-#include "script/Game.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 
 namespace tarve {
 

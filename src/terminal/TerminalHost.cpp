@@ -1,12 +1,10 @@
 #include "terminal/TerminalHost.h"
 
 #include <charconv>
-#include <chrono>
-#include <thread>
 
 #include "base/Text.h"
-#include "player/MainWindow.h"
-#include "script/Game.h"
+#include "player/Player.h"
+#include "player/Settings.h"
 
 namespace tarve {
 
@@ -153,23 +151,24 @@ void TerminalHost::ScriptLogAppended(std::string_view message) {
   log_.flush();
 }
 
-void TerminalHost::ProcessEventsUntil(Game& game, const std::function<bool()>& done) {
+void TerminalHost::ProcessEventsUntil(const std::function<bool()>& done) {
   // Each input line is what the command box would receive on Enter: while a key wait is
   // pending it ends the wait; otherwise it goes to the command box (where a waiting `enter`
   // takes it).
+  if (player_ == nullptr) return;
   while (!done() && !closed_) {
     // Once the game is over its command box takes nothing, so only a key could still end a
     // wait; the terminal player ends after this turn anyway.
-    if (game.run.game_over && !game.window.waiting_for_key) {
-      EndAllWaits(game);
+    if (player_->game_over() && !player_->waiting_for_key()) {
+      player_->EndOfInput();
       return;
     }
     std::optional<std::string> line = ReadLine();
     if (!line) {
-      EndAllWaits(game);
+      player_->EndOfInput();
       return;
     }
-    SubmitCommand(game, *line);
+    player_->SubmitCommand(*line);
   }
 }
 
@@ -203,17 +202,43 @@ std::optional<std::string> TerminalHost::ChooseSavedGameFile(bool save) {
   return Trim(*path);
 }
 
+void TerminalHost::ShowLauncher() {
+  // Without a file the player lists the installed games and the player picks one by its
+  // number.
+  if (player_ == nullptr) return;
+  const std::vector<InstalledGame> games = ReadInstalledGames(player_->settings_store());
+  if (games.empty()) {
+    WriteLine("No games are installed. Name a game file to play it: tarve-cli GAME.gwl");
+    return;
+  }
+  WriteLine("Installed games:");
+  for (std::size_t i = 0; i < games.size(); ++i) {
+    WriteLine("  " + std::to_string(i + 1) + ". " + games[i].name);
+  }
+  const std::string range = "1 to " + std::to_string(games.size());
+  for (;;) {
+    WriteLine("Type the number of the game to play (" + range + "):");
+    std::optional<std::string> line = ReadLine();
+    if (!line) {
+      nothing_chosen_ = true;
+      return;
+    }
+    const std::string answer = Trim(*line);
+    std::size_t number = 0;
+    auto [end, ec] = std::from_chars(answer.data(), answer.data() + answer.size(), number);
+    if (ec == std::errc() && end == answer.data() + answer.size() && number >= 1 &&
+        number <= games.size()) {
+      player_->OpenGame(games[number - 1].file);
+      return;
+    }
+    WriteLine("There is no game " + answer + " in the list.");
+  }
+}
+
 void TerminalHost::CloseGame(bool end_program) {
   // Without a launcher to return to, closing the game always ends the terminal player.
   (void)end_program;
   closed_ = true;
-}
-
-void TerminalHost::Sleep(int milliseconds) {
-  // A pause paces a reader at the screen; played into a file or a pipe it only costs time.
-  if (!terminal_ || milliseconds <= 0 || closed_) return;
-  out_.flush();
-  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
 }  // namespace tarve

@@ -1,6 +1,7 @@
 // The terminal player's host: the output pane becomes standard output (with ANSI styles on a
 // terminal), message boxes and dialogs become lines that are printed and answered on standard
-// input, and waiting for the player means reading the next input line.
+// input, waiting for the player means reading the next input line, and the launcher is a
+// numbered list of the installed games.
 #pragma once
 
 #include <cstdio>
@@ -9,16 +10,21 @@
 #include <ostream>
 #include <string>
 
-#include "script/Host.h"
+#include "game/Host.h"
 
 namespace tarve {
 
-class TerminalHost : public Host {
+class Player;
+
+class TerminalHost : public OutputPane, public Dialogs, public GameWindow {
  public:
   // `terminal`: standard output is a terminal (the screen can be cleared, pauses are kept);
   // `styled`: the formatting codes become ANSI styles.
   TerminalHost(std::istream& in, std::ostream& out, bool terminal, bool styled);
   ~TerminalHost() override;
+
+  // The player whose command box the input lines reach.
+  void Attach(Player& player) { player_ = &player; }
 
   bool OpenLogFile(const std::string& path);
   bool OpenTranscript(const std::string& path);
@@ -28,6 +34,8 @@ class TerminalHost : public Host {
   bool InputEnded() const { return input_ended_; }
   // The player quit: the game is closed and the program ends.
   bool Closed() const { return closed_; }
+  // The launcher was left without a game: the input ended before one was chosen.
+  bool NothingChosen() const { return nothing_chosen_; }
 
   // Writes text of the player's own (not the game's) on a line of its own.
   void WriteLine(std::string_view text);
@@ -42,11 +50,11 @@ class TerminalHost : public Host {
   int ShowMessage(const std::string& text, const std::string& title, int style) override;
   std::optional<std::string> InputBox(const std::string& title, const std::string& prompt) override;
   void ScriptLogAppended(std::string_view message) override;
-  void ProcessEventsUntil(Game& game, const std::function<bool()>& done) override;
+  void ProcessEventsUntil(const std::function<bool()>& done) override;
   int ShowSelection(const std::string& prompt, const std::vector<std::string>& answers) override;
   std::optional<std::string> ChooseSavedGameFile(bool save) override;
+  void ShowLauncher() override;
   void CloseGame(bool end_program) override;
-  void Sleep(int milliseconds) override;
 
  private:
   void Write(std::string_view text);
@@ -60,6 +68,8 @@ class TerminalHost : public Host {
   bool styled_;
   bool input_ended_ = false;
   bool closed_ = false;
+  bool nothing_chosen_ = false;
+  Player* player_ = nullptr;
   bool pane_has_text_ = false;  // the game has written since the pane was last cleared
   std::ofstream log_;
   std::ofstream transcript_;

@@ -2,12 +2,9 @@
 // games, and for the transcript tests.
 #include <unistd.h>
 
-#include <charconv>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -15,16 +12,10 @@
 #include <vector>
 
 #include "base/Files.h"
-#include "base/Text.h"
 #include "platform/QtSettingsStore.h"
-#include "player/MainWindow.h"
-#include "player/Output.h"
-#include "player/SavedGames.h"
-#include "player/Settings.h"
-#include "script/CommonCode.h"
-#include "script/Game.h"
-#include "script/KeywordTable.h"
-#include "script/OpenGame.h"
+#include "platform/SystemServices.h"
+#include "player/OpenGame.h"
+#include "player/Player.h"
 #include "terminal/CommandLine.h"
 #include "terminal/TerminalHost.h"
 
@@ -34,13 +25,6 @@
 
 namespace tarve {
 namespace {
-
-// Without --seed the random numbers start from the clock, as every run of a game should differ.
-std::uint32_t ClockSeed() {
-  const auto now = std::chrono::system_clock::now().time_since_epoch();
-  return static_cast<std::uint32_t>(
-      std::chrono::duration_cast<std::chrono::microseconds>(now).count());
-}
 
 void Dump(TerminalHost& host, const GameText& text) {
   char number[16];
@@ -55,53 +39,6 @@ void Dump(TerminalHost& host, const GameText& text) {
     if (block.has_parameter) line += " <" + block.parameter + ">";
     host.WriteLine(line);
   }
-}
-
-// Without a file the player lists the installed games and the player picks one by its number.
-// Returns the chosen game's file, or nothing when the input ends first.
-std::optional<std::string> PickInstalledGame(TerminalHost& host,
-                                             const std::vector<InstalledGame>& games) {
-  host.WriteLine("Installed games:");
-  for (std::size_t i = 0; i < games.size(); ++i) {
-    host.WriteLine("  " + std::to_string(i + 1) + ". " + games[i].name);
-  }
-  const std::string range = "1 to " + std::to_string(games.size());
-  for (;;) {
-    host.WriteLine("Type the number of the game to play (" + range + "):");
-    std::optional<std::string> line = host.ReadLine();
-    if (!line) return std::nullopt;
-    const std::string answer = Trim(*line);
-    std::size_t number = 0;
-    auto [end, ec] = std::from_chars(answer.data(), answer.data() + answer.size(), number);
-    if (ec == std::errc() && end == answer.data() + answer.size() && number >= 1 &&
-        number <= games.size()) {
-      return games[number - 1].file;
-    }
-    host.WriteLine("There is no game " + answer + " in the list.");
-  }
-}
-
-// Opens what the command line names: a saved game when it ends in ".tsg" in any case, any
-// other file as a game. Without a file, one of the installed games.
-bool OpenFromCommandLine(Game& game, TerminalHost& host, const SettingsStore& store,
-                         const std::string& command_line, bool& nothing_chosen) {
-  nothing_chosen = false;
-  if (!command_line.empty()) {
-    if (LCase(CharRight(command_line, 4)) == ".tsg") return LoadSavedGame(game, command_line);
-    game.run.opened_from_command_line = true;
-    return OpenGame(game, command_line, IsInstalledGame(store, command_line));
-  }
-  const std::vector<InstalledGame> games = ReadInstalledGames(store);
-  if (games.empty()) {
-    host.WriteLine("No games are installed. Name a game file to play it: tarve-cli GAME.gwl");
-    return false;
-  }
-  std::optional<std::string> file = PickInstalledGame(host, games);
-  if (!file) {
-    nothing_chosen = true;
-    return false;
-  }
-  return OpenGame(game, *file, /*installed=*/true);
 }
 
 int Run(const std::vector<std::string>& args) {
@@ -131,39 +68,44 @@ int Run(const std::vector<std::string>& args) {
     return 2;
   }
 
-  // Start-up: a fresh game (no game open, not opened from the command line), the random
-  // numbers, the keyword table of compiled games, the settings, and then the command line.
-  Game game(host);
-  game.random.seed(options->seed ? static_cast<std::uint32_t>(*options->seed) : ClockSeed());
-  game.program_folder = FindDataFolder(TARVE_INSTALLED_DATA_DIR);
-  LoadKeywordTable(game);
   // The first-run set-up (document types, "Setup Complete") belongs to the desktop program.
-  std::unique_ptr<QtSettingsStore> store =
-      options->settings_dir.empty() ? std::make_unique<QtSettingsStore>()
-                                    : std::make_unique<QtSettingsStore>(options->settings_dir);
-  LoadSettings(game, *store);
+  SystemServices services({.keep_pauses = terminal});
+  Player player(Host(host, host, host, services),
+                options->settings_dir.empty()
+                    ? std::make_unique<QtSettingsStore>()
+                    : std::make_unique<QtSettingsStore>(options->settings_dir));
+  host.Attach(player);
+  Player::StartOptions start;
+  if (options->seed) start.seed = static_cast<std::uint32_t>(*options->seed);
+  start.program_folder = FindDataFolder(TARVE_INSTALLED_DATA_DIR);
+  player.game().output.blank_line_after_turn = options->blank_line;
 
   if (options->dump) {
-    if (!LoadGameText(game, options->file)) return 1;
-    Dump(host, game.text);
+    // The game is read, not opened: start-up without a command line and without a launcher.
+    player.Prepare(start);
+    if (!LoadGameText(player.game(), options->file)) return 1;
+    Dump(host, player.game().text);
     return 0;
   }
 
-  game.window.blank_line_after_turn = options->blank_line;
-  bool nothing_chosen = false;
-  if (!OpenFromCommandLine(game, host, *store, options->file, nothing_chosen)) {
-    return nothing_chosen ? 0 : 1;
+  switch (player.Start(options->file, start)) {
+    case Player::Started::kFailed:
+      return 1;
+    case Player::Started::kLauncher:
+      if (!player.game_open()) return host.NothingChosen() ? 0 : 1;
+      break;
+    case Player::Started::kGame:
+      break;
   }
 
   // Each input line is what the command box receives on Enter. The game ends with the input,
   // when the player quits, or when the game itself is over (won or lost), since its command box
   // takes nothing more.
-  while (!host.Closed() && !game.run.game_over) {
+  while (!host.Closed() && !player.game_over()) {
     std::optional<std::string> line = host.ReadLine();
     if (!line) break;
-    SubmitCommand(game, *line);
+    player.SubmitCommand(*line);
   }
-  CloseOutputFile(game);
   return 0;
 }
 

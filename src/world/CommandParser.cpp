@@ -5,14 +5,13 @@
 
 #include "base/Numbers.h"
 #include "base/Text.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/ExecuteScript.h"
-#include "interpreter/ScriptLog.h"
 #include "interpreter/Substitution.h"
 #include "interpreter/Variables.h"
-#include "player/MainWindow.h"
-#include "player/Output.h"
+#include "output/Output.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 #include "world/PlayerMessages.h"
 #include "world/Verbs.h"
 #include "world/World.h"
@@ -277,22 +276,20 @@ bool TryVerbs(Game& game, std::string_view command) {
 enum class WordResult { kNone, kDone, kQuit };
 
 WordResult TryWholeCommandWords(Game& game, std::string_view command) {
+  // "save", "load" and "quit" do what the program's Save and Load menus and closing the game's
+  // window do.
   if (command == "save") {
-    MenuSave(game);
+    if (game.program) game.program->Save();
   } else if (command == "load") {
-    MenuLoad(game);
+    if (game.program) game.program->Load();
   } else if (command == "quit") {
-    if (game.host.ShowMessage("Do you really want to exit this game?", "Tarve", kYesNo) ==
-        kAnswerYes) {
-      game.host.CloseGame(game.run.opened_from_command_line);
-      return WordResult::kQuit;
-    }
+    if (game.program && game.program->Quit()) return WordResult::kQuit;
   } else if (command == "help") {
     PrintHelp(game);
   } else if (command == "about") {
     PrintAbout(game);
   } else if (command == "clear") {
-    game.host.ClearOutput();
+    game.host.pane.ClearOutput();
   } else if (command == "ver") {
     PrintVersion(game);
   } else {
@@ -392,8 +389,8 @@ void ExecuteCommand(Game& game, std::string& command, bool echo, bool try_game_c
   if (parser.waiting_for_input) {
     // The line answers an `enter` statement: it goes to the variable as typed.
     SetStringVariable(game, parser.input_variable, command);
-    game.host.ClearCommandBox();
-    game.host.FocusCommandBox();
+    game.host.window.ClearCommandBox();
+    game.host.window.FocusCommandBox();
     parser.waiting_for_input = false;
     return;
   }
@@ -428,9 +425,9 @@ void ExecuteCommand(Game& game, std::string& command, bool echo, bool try_game_c
 
   // The end of the turn.
   if (from_script) return;
-  if (echo && game.window.blank_line_after_turn) PrintText(game, "");
-  game.host.ClearCommandBox();
-  game.host.FocusCommandBox();
+  if (echo && game.output.blank_line_after_turn) PrintText(game, "");
+  game.host.window.ClearCommandBox();
+  game.host.window.FocusCommandBox();
   if (!parser.after_turn_script.empty()) ExecuteScript(game, parser.after_turn_script);
 }
 

@@ -7,9 +7,9 @@
 
 #include "base/Numbers.h"
 #include "base/Text.h"
-#include "interpreter/ScriptLog.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/Variables.h"
-#include "script/Game.h"
 
 namespace tarve {
 
@@ -158,9 +158,9 @@ void SetUpCollectables(Game& game) {
   });
   const int rows = static_cast<int>(collectables.size()) + 1;
   for (std::size_t i = 0; i < collectables.size(); ++i) {
-    game.host.VariableViewerRow(static_cast<int>(VariableStore::kCollectable), rows,
-                                static_cast<int>(i) + 1, collectables[i].name,
-                                FormatSingle(collectables[i].amount));
+    game.host.window.VariableViewerRow(static_cast<int>(VariableStore::kCollectable), rows,
+                                       static_cast<int>(i) + 1, collectables[i].name,
+                                       FormatSingle(collectables[i].amount));
   }
 }
 
@@ -304,18 +304,18 @@ std::string CollectableText(const Collectable& collectable) {
 }
 
 void RefreshInventory(Game& game) {
-  game.host.SetItems(ItemsDisplayText(game));
+  game.host.window.SetItems(ItemsDisplayText(game));
   const std::vector<Collectable>& collectables = game.inventory.collectables;
   std::vector<std::string> lines;
   for (const Collectable& collectable : collectables) {
     if (ShownInPane(collectable)) lines.push_back(CollectableText(collectable));
   }
-  game.host.SetCollectables(lines);
+  game.host.window.SetCollectables(lines);
   const int rows = static_cast<int>(collectables.size()) + 1;
   for (std::size_t i = 0; i < collectables.size(); ++i) {
-    game.host.VariableViewerRow(static_cast<int>(VariableStore::kCollectable), rows,
-                                static_cast<int>(i) + 1, collectables[i].name,
-                                FormatSingle(collectables[i].amount));
+    game.host.window.VariableViewerRow(static_cast<int>(VariableStore::kCollectable), rows,
+                                       static_cast<int>(i) + 1, collectables[i].name,
+                                       FormatSingle(collectables[i].amount));
   }
 }
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "base/Text.h"
-#include "interpreter/ScriptLog.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/Substitution.h"
-#include "player/Output.h"
-#include "script/Game.h"
+#include "output/Output.h"
 
 namespace tarve {
 

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "base/Text.h"
+#include "game/Game.h"
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Substitution.h"
 #include "interpreter/Variables.h"
-#include "player/Output.h"
-#include "script/Game.h"
+#include "output/Output.h"
 
 namespace tarve {
 
@@ -59,7 +59,7 @@ struct ThingsHere {
   std::string characters;         // formatted, comma-separated
   std::string objects;            // prefix and name, comma-separated
   std::string formatted_objects;  // formatted, the last comma turned into " and "
-  std::vector<Host::ListedThing> listed;
+  std::vector<GameWindow::ListedThing> listed;
 };
 
 // A thing is here when its room field is the room's name exactly and it is both shown and
@@ -69,14 +69,14 @@ ThingsHere CollectThingsHere(Game& game, std::string_view room, BlockRange room_
   for (const Thing& thing : game.world.characters) {
     if (thing.room != room || !thing.exists || !thing.visible) continue;
     here.characters += thing.prefix + "|b" + thing.name + "|xb" + thing.suffix + ", ";
-    here.listed.push_back({Host::ThingType::kCharacter, thing.name});
+    here.listed.push_back({GameWindow::ThingType::kCharacter, thing.name});
   }
   std::string formatted;
   for (const Thing& thing : game.world.objects) {
     if (thing.room != room || !thing.exists || !thing.visible) continue;
     formatted += thing.prefix + "|b" + thing.name + "|xb" + thing.suffix + ", ";
     here.objects += thing.prefix + thing.name + ", ";
-    here.listed.push_back({Host::ThingType::kObject, thing.name});
+    here.listed.push_back({GameWindow::ThingType::kObject, thing.name});
   }
   DropFinalSeparator(here.characters);
   DropFinalSeparator(here.objects);
@@ -92,9 +92,9 @@ ThingsHere CollectThingsHere(Game& game, std::string_view room, BlockRange room_
     if (!BeginsWith(line, "place")) return;
     const std::string parameter = TagParameter(game, line);
     const std::size_t semicolon = parameter.find(';');
-    here.listed.push_back({Host::ThingType::kPlace, semicolon == std::string::npos
-                                                        ? parameter
-                                                        : Trim(parameter.substr(semicolon + 1))});
+    here.listed.push_back(
+        {GameWindow::ThingType::kPlace,
+         semicolon == std::string::npos ? parameter : Trim(parameter.substr(semicolon + 1))});
   });
   return here;
 }
@@ -103,7 +103,7 @@ void PublishThingsHere(Game& game, const ThingsHere& here) {
   SetStringVariable(game, "tarve.characters", here.characters);
   SetStringVariable(game, "tarve.objects", here.objects);
   SetStringVariable(game, "tarve.formatobjects", here.formatted_objects);
-  game.host.SetThingsHere(here.listed);
+  game.host.window.SetThingsHere(here.listed);
 }
 
 struct Direction {
@@ -174,7 +174,7 @@ void DescribeExits(Game& game, BlockRange block, std::string& description) {
   SetStringVariable(game, "tarve.doorways.places", places);
 
   if (has_out) letters.push_back('o');
-  game.host.SetDirections(letters);
+  game.host.window.SetDirections(letters);
 }
 
 // The text after "description " of the last such line strictly inside the block; nothing when
@@ -225,7 +225,7 @@ void DescribeRoom(Game& game, std::string_view room_view) {
   }
   description += kLineBreak;
 
-  game.host.SetLocation("  " + display_name);
+  game.host.window.SetLocation("  " + display_name);
   SetStringVariable(game, "tarve.formatroom", plain_room);
 
   const ThingsHere here = CollectThingsHere(game, room, room_block);

@@ -3,11 +3,11 @@
 #include <algorithm>
 
 #include "base/Text.h"
+#include "game/Game.h"
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Variables.h"
-#include "player/Output.h"
+#include "output/Output.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 #include "world/Items.h"
 #include "world/PlayerMessages.h"
 #include "world/RoomDescription.h"

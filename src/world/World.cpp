@@ -3,11 +3,11 @@
 #include <algorithm>
 
 #include "base/Text.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/ExecuteScript.h"
-#include "interpreter/ScriptLog.h"
 #include "interpreter/Substitution.h"
 #include "interpreter/Variables.h"
-#include "script/Game.h"
 #include "world/RoomDescription.h"
 
 namespace tarve {

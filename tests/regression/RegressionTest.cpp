@@ -12,8 +12,8 @@
 
 #include "FuzzTargets.h"
 #include "interpreter/Variables.h"
-#include "player/MainWindow.h"
-#include "script/OpenGame.h"
+#include "player/OpenGame.h"
+#include "player/Player.h"
 #include "support/TestSupport.h"
 
 namespace tarve::fuzz {
@@ -114,20 +114,20 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
       "Error: The statement ran more than 5000 statements and calls (loops inside loops?) - the "
       "rest of it was skipped.";
 
-  SubmitCommand(t.game, "spin");
+  t.player.SubmitCommand("spin");
   EXPECT_EQ(std::count(t.host.log.begin(), t.host.log.end(), cut), 1);
   const int16_t after_first = GetNumericVariable(t.game, "n");
   EXPECT_GT(after_first, 1000);  // the loops did run until the limit
   EXPECT_LT(after_first, 5000);
 
   t.host.output.clear();
-  SubmitCommand(t.game, "after");
+  t.player.SubmitCommand("after");
   EXPECT_NE(t.host.output.find("Still here, n is " + std::to_string(after_first) + "."),
             std::string::npos)
       << t.host.output;
 
   // Each command starts with the whole allowance again.
-  SubmitCommand(t.game, "spin");
+  t.player.SubmitCommand("spin");
   EXPECT_EQ(std::count(t.host.log.begin(), t.host.log.end(), cut), 2);
   EXPECT_GT(GetNumericVariable(t.game, "n"), after_first + 1000);
 }

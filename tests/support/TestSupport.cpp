@@ -6,7 +6,6 @@
 #include <fstream>
 
 #include "base/Numbers.h"
-#include "player/MainWindow.h"
 #include "script/GameReader.h"
 
 namespace tarve::test {
@@ -55,17 +54,17 @@ void RecordingHost::ShowProgress(const std::string& caption_text, int percent) {
   progress.push_back(caption_text + " " + std::to_string(percent));
 }
 
-void RecordingHost::ProcessEventsUntil(Game& game, const std::function<bool()>& done) {
+void RecordingHost::ProcessEventsUntil(const std::function<bool()>& done) {
   waits.push_back(output);
-  while (!done()) {
+  while (!done() && player != nullptr) {
     if (input.empty()) {
-      EndAllWaits(game);
+      player->EndOfInput();
       return;
     }
     const std::string line = input.front();
     input.pop_front();
     // Enter ends a pending key wait; otherwise the line goes to the command box.
-    SubmitCommand(game, line);
+    player->SubmitCommand(line);
   }
 }
 
@@ -96,6 +95,7 @@ void RecordingHost::EnableGameControls(bool on) {
 
 int RecordingHost::ShowMessage(const std::string& text, const std::string& title, int style) {
   messages.push_back("[" + title + "] " + text);
+  windows.push_back("box " + title);
   message_styles.push_back(style);
   int answer = 0;
   if (!answers.empty()) {
@@ -124,6 +124,7 @@ std::string TempDir::Write(const std::string& name, std::string_view content) co
 }
 
 TestGame::TestGame(const TempDir& dir) {
+  host.player = &player;
   game.game_path = dir.path() + "/";
   game.program_folder = dir.path() + "/program";
 }

@@ -9,15 +9,22 @@
 #include <string_view>
 #include <vector>
 
-#include "script/Game.h"
-#include "script/Host.h"
+#include "game/Game.h"
+#include "game/Host.h"
+#include "player/Player.h"
 
 namespace tarve::test {
 
 // Keeps everything the engine asked of its host, and answers message boxes, input boxes,
 // selections and waits from a script.
-class RecordingHost : public Host {
+class RecordingHost : public OutputPane,
+                      public Dialogs,
+                      public GameWindow,
+                      public PlatformServices {
  public:
+  // The player whose command box the scripted input reaches during waits.
+  Player* player = nullptr;
+
   void InsertText(std::string_view text) override;
   void SetBold(bool on) override { styled += on ? "{b}" : "{/b}"; }
   void SetItalic(bool on) override { styled += on ? "{i}" : "{/i}"; }
@@ -33,9 +40,12 @@ class RecordingHost : public Host {
   void ScriptLogAppended(std::string_view message) override { log.emplace_back(message); }
   void ShowProgress(const std::string& caption, int percent) override;
   void CloseProgress() override { progress.push_back("closed"); }
+  void ShowSplash() override { windows.push_back("splash"); }
+  void CloseSplash() override { windows.push_back("splash closed"); }
+  void ShowLauncher() override { windows.push_back("launcher"); }
   // Replays `input` the way the terminal does: a line ends a key wait, otherwise it goes to the
   // command box; when the script runs out, every wait ends.
-  void ProcessEventsUntil(Game& game, const std::function<bool()>& done) override;
+  void ProcessEventsUntil(const std::function<bool()>& done) override;
   int ShowSelection(const std::string& prompt, const std::vector<std::string>& answers) override;
   std::optional<std::string> ChooseSavedGameFile(bool save) override;
 
@@ -63,6 +73,9 @@ class RecordingHost : public Host {
   int repaints = 0;
   std::vector<std::string> messages;  // "[TITLE] TEXT" for each message box
   std::vector<int> message_styles;    // the style of each message box
+  // The program's windows as they came and went, message boxes among them by their titles:
+  // "splash", "splash closed", "launcher", "box TITLE".
+  std::vector<std::string> windows;
   std::vector<std::string> log;
   std::deque<int> answers;  // given to message boxes in turn; OK/Yes when empty
 
@@ -145,7 +158,8 @@ class TempDir {
 struct TestGame {
   explicit TestGame(const TempDir& dir);
   RecordingHost host;
-  Game game{host};
+  Player player{host};
+  Game& game = player.game();
 };
 
 // Reads `source` (written as game.gwl into a fresh folder) and returns the reader's verdict.

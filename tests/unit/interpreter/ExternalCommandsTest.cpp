@@ -84,14 +84,14 @@ TEST_F(ExternalCommandsTest, ShellFollowsTheSecuritySettings) {
 TEST_F(ExternalCommandsTest, ShellReportsWhatThePlatformAnswers) {
   game.settings.security_type = 2;
   const struct {
-    Host::OpenResult result;
+    PlatformServices::OpenResult result;
     int code;
     const char* message;
   } cases[] = {
-      {Host::OpenResult::kNotFound, 2, "Error shelling a.txt: file/path not found"},
-      {Host::OpenResult::kNoAssociation, 3,
+      {PlatformServices::OpenResult::kNotFound, 2, "Error shelling a.txt: file/path not found"},
+      {PlatformServices::OpenResult::kNoAssociation, 3,
        "Error shelling a.txt: file association does not exist or is incomplete"},
-      {Host::OpenResult::kOutOfMemory, 4, "Error shelling a.txt: out of memory"},
+      {PlatformServices::OpenResult::kOutOfMemory, 4, "Error shelling a.txt: out of memory"},
   };
   for (const auto& c : cases) {
     host.open_result = c.result;

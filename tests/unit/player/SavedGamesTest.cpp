@@ -6,9 +6,9 @@
 #include <sstream>
 
 #include "interpreter/ExecuteScript.h"
-#include "player/MainWindow.h"
+#include "player/OpenGame.h"
+#include "player/Player.h"
 #include "player/SavedGames.h"
-#include "script/OpenGame.h"
 #include "support/TestSupport.h"
 #include "world/Items.h"
 #include "world/World.h"
@@ -101,7 +101,7 @@ struct FarmInProgress {
     ExecuteScript(t.game, "moveobject <pail; barn>");
     ExecuteScript(t.game, "setstring <motto; a;b,c \"quoted\">");
     ExecuteScript(t.game, "setvar <score; -12>");
-    SubmitCommand(t.game, "north");
+    t.player.SubmitCommand("north");
   }
   TempDir dir;
   TestGame t{dir};
@@ -169,7 +169,7 @@ TEST(LoadSavedGame, RestoresTheStateOverAFreshStartAndDescribesTheRoom) {
   ExecuteScript(farm.t.game, "setstring <motto; changed>");
   ExecuteScript(farm.t.game, "setstring <later; only after saving>");
   ExecuteScript(farm.t.game, "give <key>");
-  SubmitCommand(farm.t.game, "look");
+  farm.t.player.SubmitCommand("look");
   farm.t.host.log.clear();
 
   ASSERT_TRUE(LoadSavedGame(farm.t.game, path));
@@ -231,7 +231,7 @@ TEST(LoadSavedGame, EveryTestGameComesBackAsItWasSaved) {
       thing.exists = !thing.exists;
       thing.visible = !thing.visible;
     }
-    SubmitCommand(game, "look");
+    t.player.SubmitCommand("look");
 
     const std::string first = dir.path() + "/first.tsg";
     const std::string second = dir.path() + "/second.tsg";
@@ -417,36 +417,36 @@ TEST(SavedGameMenus, SaveAsksOnlyUntilTheGameHasASavedGameFile) {
   Game& game = farm.t.game;
   auto& host = farm.t.host;
 
-  MenuSave(game);  // cancelled: nothing written, nothing remembered
+  farm.t.player.MenuSave();  // cancelled: nothing written, nothing remembered
   EXPECT_EQ(host.file_dialogs, Lines{"save"});
   EXPECT_EQ(game.run.current_saved_game_path, "");
 
   host.file_dialog_answers.push_back(farm.dir.path() + "/first");
-  MenuSave(game);
+  farm.t.player.MenuSave();
   const std::string first = farm.dir.path() + "/first.tsg";  // the extension is added
   EXPECT_TRUE(fs::exists(first));
   EXPECT_EQ(game.run.current_saved_game_path, first);
 
   ExecuteScript(game, "setvar <score; 99>");
-  MenuSave(game);  // no dialog: the same file is written again
+  farm.t.player.MenuSave();  // no dialog: the same file is written again
   EXPECT_EQ(host.file_dialogs.size(), 2u);
   EXPECT_NE(ReadFile(first).find("score; 99\r\n"), std::string::npos);
 
   host.file_dialog_answers.push_back(farm.dir.path() + "/second.sav");
-  MenuSaveAs(game);
+  farm.t.player.MenuSaveAs();
   EXPECT_EQ(host.file_dialogs.size(), 3u);
   EXPECT_TRUE(fs::exists(farm.dir.path() + "/second.sav"));
 
-  MenuLoad(game);  // cancelled
+  farm.t.player.MenuLoad();  // cancelled
   EXPECT_EQ(host.file_dialogs.back(), "load");
   EXPECT_EQ(game.run.current_saved_game_path, farm.dir.path() + "/second.sav");
 
   // After loading, Save overwrites the loaded file without asking.
   host.file_dialog_answers.push_back(first);
-  MenuLoad(game);
+  farm.t.player.MenuLoad();
   EXPECT_EQ(game.run.current_saved_game_path, first);
   ExecuteScript(game, "setvar <score; 5>");
-  MenuSave(game);
+  farm.t.player.MenuSave();
   EXPECT_EQ(host.file_dialogs.size(), 5u);
   EXPECT_NE(ReadFile(first).find("score; 5\r\n"), std::string::npos);
   EXPECT_TRUE(host.messages.empty());

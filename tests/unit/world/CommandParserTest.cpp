@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "ParserTestGame.h"
-#include "script/Game.h"
+#include "game/Game.h"
 #include "world/CommandParser.h"
 
 namespace tarve {
@@ -128,7 +128,7 @@ TEST(ExecuteCommand, RunsTheTurnScriptsAroundTheCommandAndEndsTheTurn) {
   EXPECT_EQ(p.Turn("XYZZY"), "> XYZZY\nbefore\nNothing happens.\nafter\nafter again\n");
   EXPECT_EQ(p.host().command_box_clears, 1);
   EXPECT_EQ(p.host().command_box_focus, 1);
-  p.game().window.blank_line_after_turn = true;
+  p.game().output.blank_line_after_turn = true;
   EXPECT_EQ(p.Turn("xyzzy"), "> xyzzy\nbefore\nNothing happens.\n\nafter\nafter again\n");
   // No echo, no blank line.
   std::string command = "xyzzy";
@@ -179,11 +179,10 @@ TEST(ExecuteCommand, HelpSwitchesToVerdanaAndBackAndQuitEndsTheTurnOnlyOnYes) {
   p.host().answers = {kAnswerNo};
   EXPECT_EQ(p.Turn("quit"), "> quit\nafter\nafter again\n");
   EXPECT_TRUE(p.host().closed.empty());
-  p.game().run.opened_from_command_line = true;
   p.host().answers = {kAnswerYes};
   EXPECT_EQ(p.Turn("quit"), "> quit\n");
   EXPECT_EQ(p.host().messages.back(), "[Tarve] Do you really want to exit this game?");
-  EXPECT_EQ(p.host().closed, std::vector<bool>{true});
+  EXPECT_EQ(p.host().closed, std::vector<bool>{false});
 }
 
 TEST(ExecuteExec, RunsTheCommandWithinTheTurnAndNormalModeSkipsTheGamesCommands) {

@@ -97,7 +97,7 @@ TEST(DescribeRoom, BuildsEverySentenceAndPublishesItsParts) {
 
   // The list of things here: characters, objects, then places by the name "go to" takes.
   std::vector<std::string> listed;
-  for (const Host::ListedThing& thing : t.host.things_here) {
+  for (const GameWindow::ListedThing& thing : t.host.things_here) {
     listed.push_back(std::to_string(static_cast<int>(thing.type)) + ":" + thing.name);
   }
   EXPECT_EQ(listed, (std::vector<std::string>{"0:Ann", "0:Bill", "0:Cora", "1:lamp", "1:keys",

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "ParserTestGame.h"
-#include "script/Game.h"
+#include "game/Game.h"
 #include "world/Verbs.h"
 
 namespace tarve {

@@ -1,19 +1,22 @@
 // One game and the player run around it: every table the player works on lives here, so that
-// nothing is global and two games can live side by side.
+// nothing is global and two games can live side by side. The few places where a lower part of
+// the engine must reach a higher one (substitution runs functions, printing counts against a
+// script's allowance, the player's "save" and "load" words reach the program) go through the
+// slots and counters of this object.
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <random>
 #include <string>
+#include <string_view>
 
-#include "interpreter/ExecuteScript.h"
-#include "interpreter/ScriptLog.h"
+#include "game/Host.h"
+#include "game/ScriptLog.h"
+#include "game/Settings.h"
 #include "interpreter/Variables.h"
-#include "player/MainWindow.h"
-#include "player/Output.h"
-#include "player/Settings.h"
+#include "output/Output.h"
 #include "script/CommonCode.h"
-#include "script/Host.h"
 #include "script/KeywordTable.h"
 #include "world/CommandParser.h"
 #include "world/Items.h"
@@ -35,7 +38,6 @@ struct RunState {
   bool show_intro = true;
   bool game_over = false;
   bool installed_game = false;  // started from the installed-games list
-  bool opened_from_command_line = false;
   std::string current_saved_game_path;
 
   // Nesting of statements and function calls; past kMaxScriptDepth the top-level statement is
@@ -49,18 +51,43 @@ struct RunState {
   bool input_ended = false;
 };
 
+// Nested statements (procedures, functions, room scripts) deeper than this are cut off.
+inline constexpr int kMaxScriptDepth = 200;
+// One top-level statement (a turn's command script, a room script, a start script) may run at
+// most this many statements, procedures and function calls in all: nested loops and procedures
+// that call each other many times over would otherwise freeze the player. Game::statement_limit
+// holds it. Building and printing long texts counts as well (ChargeStatements).
+inline constexpr long kMaxStatementsPerRun = 1000000;
+// Game::total_statement_limit when nothing bounds the statements of a whole game.
+inline constexpr long kNoTotalStatementLimit = std::numeric_limits<long>::max();
+
+// The player's words that reach past the game to the program around it: "save", "load" and
+// "quit" do what the Save and Load menus and closing the game's window do. The application
+// answers them; where there is none (the engine on its own in a tool) they do nothing.
+class ProgramCommands {
+ public:
+  virtual ~ProgramCommands() = default;
+  virtual void Save() = 0;
+  virtual void Load() = 0;
+  // Asks whether to leave the game; true when the player confirmed and the game is closed.
+  virtual bool Quit() = 0;
+};
+
 struct Game {
-  explicit Game(Host& host_in) : host(host_in) {}
+  explicit Game(Host host_in);
   Game(const Game&) = delete;
   Game& operator=(const Game&) = delete;
 
-  Host& host;
+  Host host;
+  ProgramCommands* program = nullptr;
+  // Substitutes variables, collectables and function calls into a text; the game-text
+  // primitives reach the interpreter through it.
+  std::string (*substitute_all)(Game& game, std::string_view text);
 
   // Kept for the whole run of the program.
   Settings settings;
   ScriptLogState log;
   OutputState output;
-  MainWindowState window;
   std::string program_folder;  // the data folder: tarve.dat, libraries' second home
   KeywordTable keywords;       // of compiled games, from tarve.dat
   bool game_was_open = false;
@@ -92,5 +119,10 @@ struct Game {
 
 // Empties every table of the open game, keeping what lasts for the whole run.
 void ResetGameTables(Game& game);
+
+// Counts `count` statements against the running top-level statement's limit and the game's
+// total limit. Past either, the rest of the top-level statement is abandoned (logged once) and
+// the result is false. Outside every statement it counts nothing.
+bool ChargeStatements(Game& game, long count);
 
 }  // namespace tarve

@@ -1,8 +1,10 @@
-// The one interface through which the engine reaches the outside world: the output pane, message
-// boxes and dialogs, waiting for the player, the main window's state and platform services. The
-// desktop window, the terminal player and the tests each implement it.
+// What the engine needs of the world around it, split by role: the output pane, the dialogs and
+// small windows, the game window's state, and the platform's services. The desktop program, the
+// terminal player and the tests each implement the roles they show; the platform services are
+// written once for both front ends.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -11,8 +13,6 @@
 #include <vector>
 
 namespace tarve {
-
-struct Game;
 
 // Message box styles and answers, with the numbers games and players have always used.
 enum MessageStyle : int {
@@ -30,12 +30,11 @@ struct Rgb {
 
 enum class Alignment { kLeft, kCentre, kRight };
 
-class Host {
+// The output pane. Text is inserted at the end and takes the styles set before it; a line break
+// arrives as "\r\n" inside the text.
+class OutputPane {
  public:
-  virtual ~Host() = default;
-
-  // The output pane. Text is inserted at the end and takes the styles set before it; a line
-  // break arrives as "\r\n" inside the text.
+  virtual ~OutputPane() = default;
   virtual void InsertText(std::string_view text) = 0;
   virtual void SetBold(bool) {}
   virtual void SetItalic(bool) {}
@@ -46,7 +45,13 @@ class Host {
   virtual void SetAlignment(Alignment) {}
   virtual void ClearOutput() {}
   virtual void Repaint() {}
+};
 
+// Message boxes, the input box, the selection of `choose`, file dialogs, and the program's small
+// windows that come and go around a game: the splash, the progress window and the launcher.
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
   // A message box; `style` is a MessageStyle, possibly plus kExclamation. Returns a
   // MessageAnswer.
   virtual int ShowMessage(const std::string& text, const std::string& title, int style) = 0;
@@ -55,24 +60,6 @@ class Host {
     (void)title;
     (void)prompt;
     return std::nullopt;
-  }
-
-  // Every message of the script log, as it is logged (the log window, the terminal's --log).
-  virtual void ScriptLogAppended(std::string_view message) { (void)message; }
-
-  // Progress window shown while a game loads.
-  virtual void ShowProgress(const std::string& caption, int percent) {
-    (void)caption;
-    (void)percent;
-  }
-  virtual void CloseProgress() {}
-
-  // Waiting: keep handling the player's input (typed lines reach SubmitCommand, key presses
-  // KeyPressed) until `done` holds or no more input can come. The engine ends its wait when this
-  // returns, whether or not `done` holds, so a host that cannot wait never hangs a game.
-  virtual void ProcessEventsUntil(Game& game, const std::function<bool()>& done) {
-    (void)game;
-    (void)done;
   }
   // The selection dialog of `choose`: the index (from 0) of the confirmed answer, or -1 when
   // the dialog was closed without one.
@@ -85,8 +72,24 @@ class Host {
     (void)save;
     return std::nullopt;
   }
+  // Progress window shown while a game loads.
+  virtual void ShowProgress(const std::string& caption, int percent) {
+    (void)caption;
+    (void)percent;
+  }
+  virtual void CloseProgress() {}
+  // The splash window of a start without a file, shown and painted at once; closed when the
+  // launcher has shown.
+  virtual void ShowSplash() {}
+  virtual void CloseSplash() {}
+  // The list of installed games to start one from; start-up does not wait for it.
+  virtual void ShowLauncher() {}
+};
 
-  // The game window's state.
+// The game window's state and its event loop.
+class GameWindow {
+ public:
+  virtual ~GameWindow() = default;
   virtual void SetCaption(const std::string&) {}
   virtual void SetLocation(const std::string&) {}
   virtual void SetStatusText(const std::string&) {}
@@ -107,9 +110,11 @@ class Host {
   virtual void ClearCommandBox() {}
   virtual void FocusCommandBox() {}
   virtual void SetBusy(bool) {}
-  // The player confirmed "quit": the game is closed; `end_program` when it was started from
-  // the command line.
+  // The game is closed (the player confirmed leaving it): `end_program` when the program ends
+  // with it, otherwise the launcher comes back.
   virtual void CloseGame(bool end_program) { (void)end_program; }
+  // Every message of the script log, as it is logged (the log window, the terminal's --log).
+  virtual void ScriptLogAppended(std::string_view message) { (void)message; }
   // A row of a variables viewer changed: `rows` rows in all (row 0 is the heading).
   virtual void VariableViewerRow(int store, int rows, int row, const std::string& name,
                                  const std::string& value) {
@@ -119,15 +124,27 @@ class Host {
     (void)name;
     (void)value;
   }
+  // Waiting: keep handling the player's input (typed lines, key presses, buttons) until `done`
+  // holds or no more input can come. The engine ends its wait when this returns, whether or not
+  // `done` holds, so a window that cannot wait never hangs a game.
+  virtual void ProcessEventsUntil(const std::function<bool()>& done) { (void)done; }
+};
 
-  // Platform services.
+// What the platform offers a game beyond the windows: sound, music, pictures, documents, pauses
+// and the clock. (A game's file copies stay in the engine, where the rules about which files a
+// game may touch are checked on the very paths that are copied.)
+class PlatformServices {
+ public:
+  virtual ~PlatformServices() = default;
   virtual void PlayWave(const std::string& path, bool sync) {
     (void)path;
     (void)sync;
   }
-  // "Stop", or "Play" with the file (the device is closed and reopened first).
+  // "Play" with the file (the device is closed and reopened first), or "Stop".
   virtual void PlayMidi(const std::string& path) { (void)path; }
   virtual void StopMidi() {}
+  // Stops the sound and the music (a new game starts).
+  virtual void StopSounds() { StopMidi(); }
   virtual void ShowPicture(const std::string& path) { (void)path; }
   enum class OpenResult { kOpened, kNotFound, kNoAssociation, kOutOfMemory };
   virtual OpenResult OpenDocument(const std::string& path, bool minimised) {
@@ -136,6 +153,25 @@ class Host {
     return OpenResult::kNoAssociation;
   }
   virtual void Sleep(int milliseconds) { (void)milliseconds; }
+  // A number from the clock that differs from run to run, to seed the random numbers.
+  virtual std::uint32_t ClockSeed();
+};
+
+// The four roles the engine reaches through. A front end that plays every role in one object
+// hands that object for all four.
+struct Host {
+  Host(OutputPane& pane_in, Dialogs& dialogs_in, GameWindow& window_in,
+       PlatformServices& platform_in)
+      : pane(pane_in), dialogs(dialogs_in), window(window_in), platform(platform_in) {}
+  template <typename All>
+  requires std::derived_from<All, OutputPane> && std::derived_from<All, Dialogs> &&
+      std::derived_from<All, GameWindow> && std::derived_from<All, PlatformServices>
+      Host(All& all) : Host(all, all, all, all) {}  // NOLINT: one object, every role
+
+  OutputPane& pane;
+  Dialogs& dialogs;
+  GameWindow& window;
+  PlatformServices& platform;
 };
 
 }  // namespace tarve

@@ -1,9 +1,9 @@
-#include "interpreter/ScriptLog.h"
+#include "game/ScriptLog.h"
 
 #include <fstream>
 
 #include "base/Text.h"
-#include "script/Game.h"
+#include "game/Game.h"
 
 namespace tarve {
 
@@ -18,7 +18,7 @@ void AppendToWindow(Game& game, std::string_view message) {
     const std::size_t line_end = text.find("\r\n", text.size() - kMaxLogWindowBytes / 2);
     text.erase(0, line_end == std::string::npos ? text.size() : line_end + 2);
   }
-  game.host.ScriptLogAppended(message);
+  game.host.window.ScriptLogAppended(message);
 }
 
 }  // namespace

@@ -1,12 +1,10 @@
-#include "player/Output.h"
+#include "output/Output.h"
 
 #include "base/Numbers.h"
 #include "base/Text.h"
-#include "interpreter/ExecuteScript.h"
-#include "interpreter/ScriptLog.h"
-#include "player/MainWindow.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 
 namespace tarve {
 
@@ -37,14 +35,14 @@ void WriteOutputFileUnflushed(Game& game, std::string_view text) {
 
 void InsertPlain(Game& game, std::string_view run) {
   if (run.empty()) return;
-  game.host.InsertText(run);
+  game.host.pane.InsertText(run);
   WriteOutputFileUnflushed(game, run);
 }
 
 // A style code: changes the pane unless the player's OverrideEffects setting ignores them.
 template <typename Change>
 void ApplyEffect(Game& game, Change change) {
-  if (!game.settings.override_effects) change(game.host);
+  if (!game.settings.override_effects) change(game.host.pane);
 }
 
 // Acts on the code that starts at `code` (the text just after a bar) and returns how many
@@ -57,27 +55,27 @@ std::size_t ApplyCode(Game& game, std::string_view code) {
   const char second = code.size() < 2 ? '\0' : code[1];
   switch (first) {
     case 'b':
-      ApplyEffect(game, [](Host& h) { h.SetBold(true); });
+      ApplyEffect(game, [](OutputPane& h) { h.SetBold(true); });
       return 2;
     case 'x':
       if (second == 'b') {
-        ApplyEffect(game, [&](Host& h) { h.SetBold(settings.default_font_bold); });
+        ApplyEffect(game, [&](OutputPane& h) { h.SetBold(settings.default_font_bold); });
         return 3;
       }
       if (second == 'u') {
-        ApplyEffect(game, [](Host& h) { h.SetUnderline(false); });
+        ApplyEffect(game, [](OutputPane& h) { h.SetUnderline(false); });
         return 3;
       }
       if (second == 'i') {
-        ApplyEffect(game, [&](Host& h) { h.SetItalic(settings.default_font_italic); });
+        ApplyEffect(game, [&](OutputPane& h) { h.SetItalic(settings.default_font_italic); });
         return 3;
       }
       return 1;  // "|xn" means something only at the very end of the text
     case 'u':
-      ApplyEffect(game, [](Host& h) { h.SetUnderline(true); });
+      ApplyEffect(game, [](OutputPane& h) { h.SetUnderline(true); });
       return 2;
     case 'i':
-      ApplyEffect(game, [](Host& h) { h.SetItalic(true); });
+      ApplyEffect(game, [](OutputPane& h) { h.SetItalic(true); });
       return 2;
     case 'c': {
       const Rgb* colour = nullptr;
@@ -101,15 +99,15 @@ std::size_t ApplyCode(Game& game, std::string_view code) {
           break;
       }
       if (colour != nullptr) {
-        ApplyEffect(game, [colour](Host& h) { h.SetColour(*colour); });
+        ApplyEffect(game, [colour](OutputPane& h) { h.SetColour(*colour); });
         return 3;
       }
       // Any other letter (or none) clears the pane; the letter itself is then printed.
-      host.ClearOutput();
+      host.pane.ClearOutput();
       return 2;
     }
     case 'n':
-      host.InsertText(kLineEnd);
+      host.pane.InsertText(kLineEnd);
       WriteOutputFileUnflushed(game, kLineEnd);
       return 2;
     case 's': {
@@ -121,21 +119,21 @@ std::size_t ApplyCode(Game& game, std::string_view code) {
     }
     case 'j':
       if (second == 'c') {
-        host.SetAlignment(Alignment::kCentre);
+        host.pane.SetAlignment(Alignment::kCentre);
         return 3;
       }
       if (second == 'l') {
-        host.SetAlignment(Alignment::kLeft);
+        host.pane.SetAlignment(Alignment::kLeft);
         return 3;
       }
       if (second == 'r') {
-        host.SetAlignment(Alignment::kRight);
+        host.pane.SetAlignment(Alignment::kRight);
         return 3;
       }
       return 1;
     case 'w':
       WaitForKey(game, "<>");
-      host.Repaint();
+      host.pane.Repaint();
       return 2;
     default:
       return 1;  // an unknown code: only the bar is dropped
@@ -172,7 +170,7 @@ void PrintText(Game& game, std::string_view text) {
   }
 
   if (line_end) {
-    game.host.InsertText(kLineEnd);
+    game.host.pane.InsertText(kLineEnd);
     WriteOutputFileUnflushed(game, kLineEnd);
   }
   if (OutputFileWanted(game)) std::fflush(game.output.file.get());
@@ -181,7 +179,7 @@ void PrintText(Game& game, std::string_view text) {
 void SetOutputFont(Game& game, std::string_view name) {
   if (game.settings.override_all_fonts) name = {};
   if (name.empty()) name = game.output.current_default_font_name;
-  game.host.SetFontName(std::string(name));
+  game.host.pane.SetFontName(std::string(name));
 }
 
 void SetOutputFontSize(Game& game, float size) {
@@ -189,7 +187,7 @@ void SetOutputFontSize(Game& game, float size) {
   if (size == 0) size = game.output.current_default_font_size;
   // No pane can show text at a negative size ("|s-5"): the size stays as it was.
   if (size < 0) return;
-  game.host.SetFontSize(size);
+  game.host.pane.SetFontSize(size);
 }
 
 void WriteOutputFile(Game& game, std::string_view text) {
@@ -204,15 +202,15 @@ void WaitForKey(Game& game, std::string_view parameter) {
   PrintText(game, prompt);
 
   Host& host = game.host;
-  host.EnableGameControls(false);
-  game.window.waiting_for_key = true;
+  host.window.EnableGameControls(false);
+  game.output.waiting_for_key = true;
   // Once no more input can come (the terminal's input has ended), waiting would never end.
   if (!game.run.input_ended) {
-    host.ProcessEventsUntil(game, [&game] { return !game.window.waiting_for_key; });
+    host.window.ProcessEventsUntil([&game] { return !game.output.waiting_for_key; });
   }
-  game.window.waiting_for_key = false;
-  host.EnableGameControls(true);
-  host.FocusCommandBox();
+  game.output.waiting_for_key = false;
+  host.window.EnableGameControls(true);
+  host.window.FocusCommandBox();
 }
 
 void StartGameOutput(Game& game) {
@@ -236,8 +234,8 @@ void StartGameOutput(Game& game) {
 
   SetOutputFont(game, "");
   SetOutputFontSize(game, 0);
-  game.host.SetBold(settings.default_font_bold);
-  game.host.SetItalic(settings.default_font_italic);
+  game.host.pane.SetBold(settings.default_font_bold);
+  game.host.pane.SetItalic(settings.default_font_italic);
 }
 
 void CloseOutputFile(Game& game) { game.output.file.reset(); }

@@ -16,7 +16,9 @@ struct OutputFileCloser {
 };
 
 struct OutputState {
-  bool enabled = true;  // OutputEnabled: "outputoff" clears it
+  bool enabled = true;                 // OutputEnabled: "outputoff" clears it
+  bool waiting_for_key = false;        // WaitingForKey: a key press ends the wait
+  bool blank_line_after_turn = false;  // the terminal player's --blank-line
   std::string current_default_font_name = "Courier New";
   float current_default_font_size = 8.25f;
   // The output file is opened at the first game start while the setting is on and stays open

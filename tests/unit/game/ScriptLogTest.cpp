@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "interpreter/ScriptLog.h"
+#include "game/ScriptLog.h"
 #include "support/TestSupport.h"
 
 namespace tarve {

@@ -1,4 +1,4 @@
-#include "script/OpenGame.h"
+#include "player/OpenGame.h"
 
 #include <cmath>
 #include <ctime>
@@ -7,11 +7,11 @@
 #include "base/Files.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
+#include "game/Game.h"
+#include "game/ScriptLog.h"
 #include "interpreter/ExecuteScript.h"
-#include "interpreter/ScriptLog.h"
-#include "player/Output.h"
+#include "output/Output.h"
 #include "script/CommonCode.h"
-#include "script/Game.h"
 #include "script/GameReader.h"
 #include "world/CommandParser.h"
 #include "world/Items.h"
@@ -48,9 +48,9 @@ void MarkNewGameInLogFile(Game& game) {
 
 void ReportUnableToOpen(Game& game, const std::string& path) {
   LogScriptError(game, "Unable to open " + path);
-  game.host.SetBusy(false);
-  game.host.ShowMessage("Unable to open " + path, "Error", kOkOnly);
-  game.host.CloseProgress();
+  game.host.window.SetBusy(false);
+  game.host.dialogs.ShowMessage("Unable to open " + path, "Error", kOkOnly);
+  game.host.dialogs.CloseProgress();
 }
 
 // The lines strictly inside the game block, in order.
@@ -83,7 +83,8 @@ void CheckVersion(Game& game, BlockRange game_block) {
     game.run.game_version = rounded > 0 ? INT16_MAX : INT16_MIN;
   }
   if (rounded > kLanguageVersion) {
-    game.host.ShowMessage(kFutureVersionText, "Tarve version error", kOkOnly + kExclamation);
+    game.host.dialogs.ShowMessage(kFutureVersionText, "Tarve version error",
+                                  kOkOnly + kExclamation);
     LogScriptError(game, "Warning: File contains future version header (greater than " +
                              std::to_string(kLanguageVersion) + ").");
   } else if (rounded == 0) {
@@ -132,15 +133,15 @@ void BuildGame(Game& game, BlockRange game_block) {
   ResetPlayerMessages(game);
   ReadSynonyms(game);
   SetUpItems(game);
-  host.ShowProgress(kProgressCaption, 20);
+  host.dialogs.ShowProgress(kProgressCaption, 20);
   SetUpStartItems(game);
   SetUpCollectables(game);
-  host.ShowProgress(kProgressCaption, 30);
+  host.dialogs.ShowProgress(kProgressCaption, 30);
   BuildWorldTables(game);
   ReadMessageOverrides(game);
   ReadDefaultFont(game, game_block);
   ReadTurnScripts(game);
-  host.ShowProgress(kProgressCaption, 40);
+  host.dialogs.ShowProgress(kProgressCaption, 40);
 }
 
 // Runs the start scripts; false when one of them opened another game, which then stands in
@@ -181,19 +182,19 @@ void EnterStartRoom(Game& game, BlockRange game_block) {
 
 bool OpenGameNow(Game& game, const std::string& path, bool installed) {
   Host& host = game.host;
-  host.StopMidi();
-  host.ShowProgress(kProgressCaption, 0);
+  host.platform.StopSounds();
+  host.dialogs.ShowProgress(kProgressCaption, 0);
 
-  host.SetBusy(true);
-  host.ClearOutput();
-  host.ClearCommandBox();
-  host.SetStatusText("");
+  host.window.SetBusy(true);
+  host.pane.ClearOutput();
+  host.window.ClearCommandBox();
+  host.window.SetStatusText("");
 
   MarkNewGameInLogFile(game);
   LogScriptError(game, std::string("Tarve ") + kPlayerVersion);
   LogScriptError(game, "Opening file " + path + " on " + FormatNow("%d/%m/%Y") + " at " +
                            FormatNow("%H:%M:%S"));
-  host.EnableGameControls(true);
+  host.window.EnableGameControls(true);
   ResetGameTables(game);
 
   if (!LoadGameText(game, path)) {
@@ -213,23 +214,24 @@ bool OpenGameNow(Game& game, const std::string& path, bool installed) {
 
   CheckVersion(game, game_block);
   game.run.game_name = RetrieveParameter(game, game.text.Line(game_block.start), true);
-  host.SetCaption(std::string("Tarve ") + kPlayerVersion + " - \"" + game.run.game_name + "\"");
+  host.window.SetCaption(std::string("Tarve ") + kPlayerVersion + " - \"" + game.run.game_name +
+                         "\"");
 
   BuildGame(game, game_block);
   game.run.debug_allowed = !HasNoDebugLine(game, game_block);
-  host.ShowDebugMenu(game.run.debug_allowed);
+  host.window.ShowDebugMenu(game.run.debug_allowed);
   LogScriptError(game, "Finished loading file.");
   game.run.installed_game = installed;
 
-  host.SetBusy(false);
-  host.CloseProgress();
+  host.window.SetBusy(false);
+  host.dialogs.CloseProgress();
   StartGameOutput(game);
 
   if (!RunStartScripts(game, game_block)) return true;
   if (game.run.show_intro) DisplayText(game, "intro");
   EnterStartRoom(game, game_block);
   PrintText(game, "");
-  host.FocusCommandBox();
+  host.window.FocusCommandBox();
   return true;
 }
 

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "script/OpenGame.h"
+#include "player/OpenGame.h"
 #include "support/TestSupport.h"
 
 namespace tarve {

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "player/Output.h"
+#include "output/Output.h"
 #include "support/TestSupport.h"
 
 namespace tarve {
@@ -104,7 +104,7 @@ TEST(PrintText, WaitCodeEndsTheLineWaitsForAKeyAndRepaints) {
   EXPECT_EQ(t.host.waits, std::vector<std::string>{"one\r\n"});
   EXPECT_EQ(t.host.repaints, 1);
   EXPECT_TRUE(t.host.input.empty());
-  EXPECT_EQ(t.game.window.last_command, "");  // the line was a key, not a command
+  EXPECT_EQ(t.player.last_command(), "");  // the line was a key, not a command
 }
 
 TEST(PrintText, OutputOffReachesNeitherThePaneNorTheFileNorWaits) {
@@ -149,7 +149,7 @@ TEST(WaitForKey, PromptsDisablesTheControlsAndNeverBlocksOnceInputHasEnded) {
   EXPECT_EQ(t.host.output, "\r\nPress a key to continue...\r\nTurn the page\r\n");
   EXPECT_EQ(t.host.waits.size(), 2u);  // once the input has ended the host is not asked again
   EXPECT_TRUE(t.game.run.input_ended);
-  EXPECT_FALSE(t.game.window.waiting_for_key);
+  EXPECT_FALSE(t.game.output.waiting_for_key);
   EXPECT_EQ(t.host.control_changes, (std::vector<bool>{false, true, false, true, false, true}));
   EXPECT_EQ(t.host.command_box_focus, 3);
 }

@@ -1,0 +1,239 @@
+#include "player/Player.h"
+
+#include <filesystem>
+
+#include "base/Numbers.h"
+#include "base/Text.h"
+#include "player/OpenGame.h"
+#include "player/SavedGames.h"
+#include "world/CommandParser.h"
+
+namespace tarve {
+
+namespace {
+
+// The commands of the direction buttons, by button index, and the verbs of the action buttons
+// that go before the chosen thing's name.
+constexpr std::array<std::string_view, 10> kDirectionCommands = {
+    "north", "south",     "west",      "east",      "out",
+    "help",  "northeast", "northwest", "southeast", "southwest"};
+constexpr std::array<std::string_view, 4> kActionVerbs = {"go to ", "look at ", "speak to ",
+                                                          "take "};
+
+constexpr const char* kLeaveQuestion = "Do you really want to exit this game?";
+constexpr const char* kRestartQuestion =
+    "Do you really want to restart this game from the beginning?";
+
+}  // namespace
+
+Player::Player(Host host, std::unique_ptr<SettingsStore> store)
+    : store_(store ? std::move(store) : std::make_unique<MemorySettingsStore>()), game_(host) {
+  game_.program = this;
+}
+
+Player::~Player() { CloseOutputFile(game_); }
+
+void Player::Prepare(const StartOptions& options) {
+  SeedRandomNumbers(options);
+  LoadProgramData(options);
+}
+
+void Player::SeedRandomNumbers(const StartOptions& options) {
+  opened_from_command_line_ = false;
+  game_.random.seed(options.seed ? *options.seed : game_.host.platform.ClockSeed());
+}
+
+void Player::LoadProgramData(const StartOptions& options) {
+  game_.program_folder = options.program_folder;
+  LoadKeywordTable(game_);
+  LoadSettings(game_, *store_, options.first_run);
+}
+
+Player::Started Player::Start(const std::string& command_line, const StartOptions& options) {
+  Host& host = game_.host;
+  SeedRandomNumbers(options);
+  // The splash shows while a start without a file prepares the launcher.
+  const bool launcher = command_line.empty();
+  if (launcher) host.dialogs.ShowSplash();
+  LoadProgramData(options);
+
+  Started started = Started::kLauncher;
+  if (!launcher) {
+    bool opened = false;
+    if (LCase(CharRight(command_line, 4)) == ".tsg") {
+      opened = LoadSavedGame(command_line);
+    } else {
+      opened_from_command_line_ = true;
+      opened = OpenGame(command_line);
+    }
+    started = opened ? Started::kGame : Started::kFailed;
+  } else {
+    host.dialogs.ShowLauncher();
+  }
+  host.dialogs.CloseSplash();
+  return started;
+}
+
+bool Player::OpenGame(const std::string& path) {
+  return OpenGameFile(path, IsInstalledGame(*store_, path));
+}
+
+bool Player::OpenGameFile(const std::string& path, bool installed) {
+  game_open_ = tarve::OpenGame(game_, path, installed);
+  if (game_open_) closed_ = false;
+  return game_open_;
+}
+
+bool Player::LoadSavedGame(const std::string& path) {
+  if (!tarve::LoadSavedGame(game_, path)) return false;
+  game_open_ = true;
+  closed_ = false;
+  return true;
+}
+
+bool Player::TakesCommands() const { return !closed_ && !waiting_for_key() && !game_over(); }
+
+void Player::RunTurn(std::string command) {
+  ExecuteCommand(game_, command, /*echo=*/true, /*try_game_commands=*/true);
+}
+
+void Player::SubmitCommand(std::string_view text) {
+  if (game_.output.waiting_for_key) {
+    // The execute button ends a key wait; the text in the box is not run.
+    game_.output.waiting_for_key = false;
+    return;
+  }
+  if (text.empty() || !TakesCommands()) return;
+  last_command_ = std::string(text);
+  RunTurn(std::string(text));
+  game_.host.window.FocusCommandBox();
+}
+
+void Player::KeyPressed() { game_.output.waiting_for_key = false; }
+
+std::string Player::CommandBoxText(CommandBoxKey key) const {
+  return key == CommandBoxKey::kF12 ? last_command_ : std::string();
+}
+
+void Player::PressDirectionButton(int index) {
+  if (index < 0 || index >= static_cast<int>(kDirectionCommands.size())) return;
+  if (!TakesCommands()) return;
+  RunTurn(std::string(kDirectionCommands[static_cast<std::size_t>(index)]));
+}
+
+void Player::PressActionButton(int index, std::string_view name) {
+  if (index < 0 || index >= static_cast<int>(kActionVerbs.size()) || name.empty()) return;
+  if (!TakesCommands()) return;
+  std::string command(kActionVerbs[static_cast<std::size_t>(index)]);
+  command += name;
+  RunTurn(std::move(command));
+}
+
+std::array<bool, 4> Player::ActionButtonsFor(GameWindow::ThingType type) {
+  // Places are gone to and looked at; characters are spoken to and looked at, never taken;
+  // objects are looked at and taken. Going to a thing is no verb of the game language.
+  switch (type) {
+    case GameWindow::ThingType::kPlace:
+      return {true, true, false, false};
+    case GameWindow::ThingType::kCharacter:
+      return {false, true, true, false};
+    case GameWindow::ThingType::kObject:
+      break;
+  }
+  return {false, true, false, true};
+}
+
+void Player::EndOfInput() {
+  game_.run.input_ended = true;
+  game_.output.waiting_for_key = false;
+  game_.parser.waiting_for_input = false;
+}
+
+void Player::MenuSaveAs() {
+  std::optional<std::string> path = game_.host.dialogs.ChooseSavedGameFile(/*save=*/true);
+  if (!path) return;  // the player cancelled the dialog
+  // A name typed without an extension gets the saved-game one, so that the file is known for
+  // a saved game when it is opened again.
+  if (!std::filesystem::path(*path).has_extension()) *path += ".tsg";
+  SaveGame(game_, *path);
+}
+
+void Player::MenuSave() {
+  // Once the game has been saved or loaded, Save writes to that file again without asking.
+  if (game_.run.current_saved_game_path.empty()) {
+    MenuSaveAs();
+  } else {
+    SaveGame(game_, game_.run.current_saved_game_path);
+  }
+}
+
+void Player::MenuLoad() {
+  const std::optional<std::string> path = game_.host.dialogs.ChooseSavedGameFile(/*save=*/false);
+  if (path) LoadSavedGame(*path);
+}
+
+void Player::MenuRestart() {
+  if (game_.host.dialogs.ShowMessage(kRestartQuestion, "Tarve", kYesNo) != kAnswerYes) return;
+  // The file is opened afresh, as if the game had been chosen again.
+  const std::string path = game_.game_file;
+  OpenGameFile(path, game_.run.installed_game);
+}
+
+bool Player::ConfirmLeave() {
+  return game_.host.dialogs.ShowMessage(kLeaveQuestion, "Tarve", kYesNo) == kAnswerYes;
+}
+
+void Player::MenuDifferentGame() {
+  if (ConfirmLeave()) CloseGame(/*end_program=*/false);
+}
+
+void Player::MenuGameInfo() {
+  if (TakesCommands()) RunTurn("about");
+}
+
+bool Player::RequestClose() {
+  if (!ConfirmLeave()) return false;
+  // A game named on the command line is the program's only purpose: leaving it ends the
+  // program. A game started from the launcher goes back to the launcher.
+  CloseGame(opened_from_command_line_);
+  return true;
+}
+
+void Player::CloseGame(bool end_program) {
+  game_.host.platform.StopSounds();
+  game_open_ = false;
+  closed_ = true;
+  game_.host.window.CloseGame(end_program);
+}
+
+void Player::MenuViewLog() { log_window_visible_ = !log_window_visible_; }
+
+std::string Player::ViewerCaption(VariableStore store) {
+  switch (store) {
+    case VariableStore::kNumeric:
+      return "Numeric variables";
+    case VariableStore::kCollectable:
+      return "Collectables";
+    case VariableStore::kString:
+      break;
+  }
+  return "String variables";
+}
+
+std::vector<ViewerRow> Player::ViewerRows(VariableStore store) const {
+  std::vector<ViewerRow> rows;
+  if (store == VariableStore::kCollectable) {
+    rows.push_back({"Collectable", "Amount"});
+    for (const Collectable& collectable : game_.inventory.collectables) {
+      rows.push_back({collectable.name, FormatSingle(collectable.amount)});
+    }
+    return rows;
+  }
+  rows.push_back({"Name", "Contents"});
+  const VariableTable& table =
+      store == VariableStore::kNumeric ? game_.variables.numerics : game_.variables.strings;
+  for (const VariableEntry& entry : table.entries) rows.push_back({entry.name, entry.value});
+  return rows;
+}
+
+}  // namespace tarve
