@@ -1,0 +1,167 @@
+// The variables viewer, the picture window, the splash and the progress window: what they show
+// and how they size themselves.
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QDir>
+#include <QFile>
+#include <QHeaderView>
+#include <QImage>
+#include <QLabel>
+#include <QProgressBar>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QTableWidget>
+#include <QTemporaryDir>
+
+#include "WindowTestSupport.h"
+#include "player/windows/frmDunMsgBox.h"
+#include "player/windows/frmGWLLog.h"
+#include "player/windows/frmPic.h"
+#include "player/windows/frmProgress.h"
+#include "player/windows/frmSelection.h"
+#include "player/windows/frmSplash.h"
+#include "player/windows/frmStringVariables.h"
+
+namespace tarve {
+namespace {
+
+QString Cell(const frmStringVariables& viewer, int row, int column) {
+  const QTableWidgetItem* item = viewer.grdVariables()->item(row, column);
+  return item != nullptr ? item->text() : QString();
+}
+
+QString Heading(const frmStringVariables& viewer, int column) {
+  return viewer.grdVariables()->horizontalHeaderItem(column)->text();
+}
+
+TEST(StringVariables, SettingOneRowChangesOnlyThatRow) {
+  frmStringVariables viewer(frmStringVariables::Store::kStringVariables);
+  viewer.SetContents({{"name", "Ann"}, {"weapon", "sword"}, {"room", "hall"}});
+  QSignalSpy changes(viewer.grdVariables()->model(), &QAbstractItemModel::dataChanged);
+
+  viewer.SetRow(1, "weapon", "axe");
+  EXPECT_EQ(Cell(viewer, 0, 1), QStringLiteral("Ann"));
+  EXPECT_EQ(Cell(viewer, 1, 1), QStringLiteral("axe"));
+  EXPECT_EQ(Cell(viewer, 2, 1), QStringLiteral("hall"));
+  ASSERT_FALSE(changes.isEmpty());
+  for (const QList<QVariant>& change : changes) {
+    EXPECT_EQ(change.at(0).toModelIndex().row(), 1);
+    EXPECT_EQ(change.at(1).toModelIndex().row(), 1);
+  }
+  changes.clear();
+  viewer.SetRow(1, "weapon", "axe");  // unchanged: nothing is redrawn
+  EXPECT_TRUE(changes.isEmpty());
+
+  viewer.SetRow(4, "gold", "12");
+  EXPECT_EQ(viewer.RowCount(), 5);
+  EXPECT_EQ(Cell(viewer, 4, 0), QStringLiteral("gold"));
+  viewer.SetContents({{"only", "one"}});
+  EXPECT_EQ(viewer.RowCount(), 1);
+  EXPECT_EQ(Cell(viewer, 0, 0), QStringLiteral("only"));
+}
+
+TEST(StringVariables, EachStoreHasItsCaptionAndHeadingsAndTheGridFollowsTheWindow) {
+  frmStringVariables numeric(frmStringVariables::Store::kNumericVariables);
+  EXPECT_EQ(numeric.windowTitle(), QStringLiteral("Numeric variables"));
+  EXPECT_EQ(Heading(numeric, 0), QStringLiteral("Name"));
+  EXPECT_EQ(Heading(numeric, 1), QStringLiteral("Contents"));
+  frmStringVariables collectables(frmStringVariables::Store::kCollectables);
+  EXPECT_EQ(collectables.windowTitle(), QStringLiteral("Collectables"));
+  EXPECT_EQ(Heading(collectables, 0), QStringLiteral("Collectable"));
+  EXPECT_EQ(Heading(collectables, 1), QStringLiteral("Amount"));
+
+  numeric.show();
+  EXPECT_EQ(numeric.grdVariables()->columnWidth(0), 110);  // 1650 twips
+  EXPECT_EQ(numeric.grdVariables()->columnWidth(1), 267);  // 4000 twips
+  numeric.resize(600, 400);
+  QApplication::processEvents();
+  EXPECT_EQ(numeric.grdVariables()->geometry(), numeric.rect());
+  EXPECT_GT(numeric.grdVariables()->columnWidth(1), 267);
+}
+
+TEST(Pic, WindowTakesThePictureSizeAndShrinksAHugeOneToTheScreen) {
+  QTemporaryDir folder;
+  ASSERT_TRUE(folder.isValid());
+  const QString small = folder.filePath(QStringLiteral("small.png"));
+  const QString huge = folder.filePath(QStringLiteral("huge.png"));
+  const QString broken = folder.filePath(QStringLiteral("broken.png"));
+  QImage(120, 80, QImage::Format_RGB32).save(small);
+  QImage(8000, 2000, QImage::Format_RGB32).save(huge);
+  QFile text(broken);
+  ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+  text.write("not a picture");
+  text.close();
+
+  frmPic pic;
+  ASSERT_TRUE(pic.LoadPicture(small.toStdString()));
+  EXPECT_EQ(pic.size(), QSize(120, 80));
+  EXPECT_EQ(pic.windowTitle(), QStringLiteral("small.png"));
+
+  EXPECT_FALSE(pic.LoadPicture(broken.toStdString()));
+  EXPECT_FALSE(pic.LoadPicture(folder.filePath(QStringLiteral("missing.png")).toStdString()));
+  EXPECT_EQ(pic.windowTitle(), QStringLiteral("small.png"));
+  EXPECT_EQ(pic.size(), QSize(120, 80));
+
+  ASSERT_TRUE(pic.LoadPicture(huge.toStdString()));
+  const QSize room = pic.screen()->availableGeometry().size();
+  EXPECT_LE(pic.width(), room.width());
+  EXPECT_LE(pic.height(), room.height());
+  EXPECT_NEAR(static_cast<double>(pic.width()) / pic.height(), 4.0, 0.05);
+}
+
+TEST(Splash, ShowsTheVersionTextAndEscapeClosesIt) {
+  frmSplash splash("Version 2.17");
+  splash.ShowNow();
+  EXPECT_TRUE(splash.isVisible());
+  EXPECT_EQ(splash.lblVersion()->text(), QStringLiteral("Version 2.17"));
+  PressKey(&splash, Qt::Key_Escape);
+  EXPECT_FALSE(splash.isVisible());
+}
+
+TEST(Progress, ShowsItsCaptionAndKeepsTheBarWithinItsRange) {
+  frmProgress progress;
+  progress.SetCaption("Initialising...");
+  progress.SetProgress(40);
+  progress.ShowNow();
+  EXPECT_TRUE(progress.isVisible());
+  EXPECT_EQ(progress.lblCaption()->text(), QStringLiteral("Initialising..."));
+  EXPECT_EQ(progress.prgProgress()->value(), 40);
+  progress.SetProgress(250);
+  EXPECT_EQ(progress.prgProgress()->value(), 100);
+  progress.SetProgress(-3);
+  EXPECT_EQ(progress.prgProgress()->value(), 0);
+}
+
+// What a screen reader announces for each control the player can reach.
+TEST(Windows, EveryControlHasAnAccessibleName) {
+  frmDunMsgBox box;
+  box.SetMessage("Really quit?", "Tarve", 4 + 48);
+  frmSelection selection;
+  selection.SetChoices("What now?", {"Run", "Hide"});
+  frmGWLLog log;
+  frmStringVariables viewer(frmStringVariables::Store::kCollectables);
+  frmSplash splash("Version 2.17");
+  frmProgress progress;
+  progress.SetCaption("Initialising...");
+  frmPic pic;
+  const std::vector<QWidget*> windows = {&box, &selection, &log, &viewer, &splash, &progress, &pic};
+  for (QWidget* window : windows) {
+    EXPECT_FALSE(QAccessible::queryAccessibleInterface(window)->text(QAccessible::Name).isEmpty())
+        << window->objectName().toStdString();
+    for (QWidget* control : window->findChildren<QWidget*>()) {
+      // Our controls are the named ones; Qt names the parts it builds inside them "qt_...".
+      if (control->objectName().isEmpty() || control->objectName().startsWith("qt_") ||
+          control->isHidden()) {
+        continue;
+      }
+      QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(control);
+      ASSERT_NE(accessible, nullptr);
+      EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty())
+          << window->objectName().toStdString() << " " << control->objectName().toStdString();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tarve
