@@ -6,6 +6,9 @@ packages=(
   cmake ninja-build g++ pkg-config
   libutf8proc-dev
   qt6-base-dev
+  # Reading text aloud; Debian's Qt TextToSpeech package finds its CMake files only with
+  # the declarative development files installed.
+  qt6-speech-dev qt6-declarative-dev
   googletest libgtest-dev
   libbenchmark-dev
   clang libclang-rt-14-dev

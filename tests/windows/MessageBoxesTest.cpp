@@ -13,14 +13,10 @@
 namespace tarve {
 namespace {
 
-using message_box::kCancel;
-using message_box::kExclamation;
-using message_box::kNo;
-using message_box::kOk;
-using message_box::kOkCancel;
-using message_box::kOkOnly;
-using message_box::kYes;
-using message_box::kYesNo;
+constexpr int kOk = kAnswerOk;
+constexpr int kCancel = kAnswerCancel;
+constexpr int kYes = kAnswerYes;
+constexpr int kNo = kAnswerNo;
 
 bool AnyDunMsgBoxExists() {
   for (QWidget* window : QApplication::topLevelWidgets()) {

@@ -25,7 +25,7 @@ QMessageBox::Icon PlatformIcon(int style) {
       return QMessageBox::Critical;
     case message_box::kQuestion:
       return QMessageBox::Question;
-    case message_box::kExclamation:
+    case kExclamation:
       return QMessageBox::Warning;
     case message_box::kInformation:
       return QMessageBox::Information;
@@ -43,11 +43,11 @@ int ShowPlatformMessage(QWidget* parent, const std::string& text, const std::str
   box.setText(ToDisplayText(text));
   box.setIcon(PlatformIcon(style));
   const int buttons = message_box::ButtonsOf(style);
-  if (buttons == message_box::kYesNo) {
+  if (buttons == kYesNo) {
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::Yes);
     box.setEscapeButton(QMessageBox::No);
-  } else if (buttons == message_box::kOkCancel) {
+  } else if (buttons == kOkCancel) {
     box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
     box.setDefaultButton(QMessageBox::Ok);
     box.setEscapeButton(QMessageBox::Cancel);
@@ -58,18 +58,18 @@ int ShowPlatformMessage(QWidget* parent, const std::string& text, const std::str
   box.exec();
   switch (box.standardButton(box.clickedButton())) {
     case QMessageBox::Ok:
-      return message_box::kOk;
+      return kAnswerOk;
     case QMessageBox::Cancel:
-      return message_box::kCancel;
+      return kAnswerCancel;
     case QMessageBox::Yes:
-      return message_box::kYes;
+      return kAnswerYes;
     case QMessageBox::No:
-      return message_box::kNo;
+      return kAnswerNo;
     default:
       // Closed some other way: the box's way out.
-      return buttons == message_box::kYesNo      ? message_box::kNo
-             : buttons == message_box::kOkCancel ? message_box::kCancel
-                                                 : message_box::kOk;
+      return buttons == kYesNo      ? kAnswerNo
+             : buttons == kOkCancel ? kAnswerCancel
+                                                 : kAnswerOk;
   }
 }
 

@@ -89,13 +89,13 @@ void frmDunMsgBox::SetMessage(const std::string& text, const std::string& title,
   FitTextBox(shown);
 
   switch (message_box::ButtonsOf(style)) {
-    case message_box::kYesNo:
+    case kYesNo:
       // The underlined letters show the Y and N keys.
       but_ok_->setText(tr("&Yes"));
       but_cancel_->setText(tr("&No"));
       but_cancel_->show();
       break;
-    case message_box::kOkCancel:
+    case kOkCancel:
       but_ok_->setText(tr("OK"));
       but_cancel_->setText(tr("Cancel"));
       but_cancel_->show();
@@ -119,7 +119,7 @@ void frmDunMsgBox::SetMessage(const std::string& text, const std::string& title,
       icon = QStyle::SP_MessageBoxQuestion;
       icon_name = tr("Question");
       break;
-    case message_box::kExclamation:
+    case kExclamation:
       icon = QStyle::SP_MessageBoxWarning;
       icon_name = tr("Warning");
       break;
@@ -149,10 +149,10 @@ int frmDunMsgBox::Run() {
   but_ok_->setFocus();
   exec();
   const bool ok = answer_ == kButOK;
-  if (message_box::ButtonsOf(style_) == message_box::kYesNo) {
-    return ok ? message_box::kYes : message_box::kNo;
+  if (message_box::ButtonsOf(style_) == kYesNo) {
+    return ok ? kAnswerYes : kAnswerNo;
   }
-  return ok ? message_box::kOk : message_box::kCancel;
+  return ok ? kAnswerOk : kAnswerCancel;
 }
 
 void frmDunMsgBox::reject() { Finish(but_cancel_->isHidden() ? kButOK : kButCancel); }

@@ -18,10 +18,10 @@ class frmDunMsgBox : public QDialog {
  public:
   explicit frmDunMsgBox(QWidget* parent = nullptr);
 
-  // Caption, message and buttons for a message of `style` (a message_box style code).
+  // Caption, message and buttons for a message of `style` (a MessageStyle, possibly with an icon code).
   void SetMessage(const std::string& text, const std::string& title, int style);
-  // Shows the window modally and returns the answer code of the style: kOk or kCancel, or kYes or
-  // kNo for a Yes/No message.
+  // Shows the window modally and returns the answer code of the style: kAnswerOk or kAnswerCancel,
+  // or kAnswerYes or kAnswerNo for a Yes/No message.
   int Run();
 
   // The controls, for the tests and for accessibility tools.

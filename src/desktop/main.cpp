@@ -1,0 +1,77 @@
+// tarve: the player's desktop program. A game or saved game named on the command line opens in
+// the game window; without one the launcher opens.
+#include <QApplication>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "base/Files.h"
+#include "desktop/DesktopHost.h"
+#include "desktop/DesktopServices.h"
+#include "platform/DocumentTypes.h"
+#include "platform/QtSettingsStore.h"
+#include "player/Player.h"
+
+#ifndef TARVE_INSTALLED_DATA_DIR
+#define TARVE_INSTALLED_DATA_DIR "/usr/local/share/tarve"
+#endif
+
+namespace {
+
+bool IsSet(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr && *value != '\0';
+}
+
+// Without a display the toolkit would abort; a player on a machine without one is better told
+// where to turn.
+bool CanShowWindows() {
+  return IsSet("QT_QPA_PLATFORM") || IsSet("DISPLAY") || IsSet("WAYLAND_DISPLAY");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (!CanShowWindows()) {
+    std::fputs(
+        "tarve: there is no display to open the game window on (neither DISPLAY nor "
+        "WAYLAND_DISPLAY is set).\n"
+        "To play in this terminal, run: tarve-cli GAME.gwl\n",
+        stderr);
+    return 1;
+  }
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("Tarve"));
+  QApplication::setApplicationVersion(QString::fromLatin1(tarve::kPlayerVersion));
+  QApplication::setDesktopFileName(QStringLiteral("tarve"));
+  // The program ends when the player leaves the game or the launcher, not when the game window
+  // hides on the way back to the launcher.
+  QApplication::setQuitOnLastWindowClosed(false);
+
+  // The command line is the program's arguments (those the toolkit took for itself removed),
+  // joined by single blanks and taken whole.
+  std::string command_line;
+  for (int i = 1; i < argc; ++i) {
+    if (i > 1) command_line += ' ';
+    command_line += argv[i];
+  }
+
+  tarve::DesktopHost host;
+  tarve::DesktopServices services({.keep_pauses = true});
+  tarve::Player player(tarve::Host(host, host, host, services),
+                       std::make_unique<tarve::QtSettingsStore>());
+  host.Attach(player);
+  services.Attach(player.game());
+
+  tarve::Player::StartOptions start;
+  start.program_folder = tarve::FindDataFolder(TARVE_INSTALLED_DATA_DIR);
+  start.first_run.enabled = true;
+  start.first_run.associate_file_type = [](const std::string& description,
+                                           const std::string& extension) {
+    tarve::AssociateFileType(description, extension);
+  };
+  if (player.Start(command_line, start) == tarve::Player::Started::kFailed) return 1;
+  if (host.ending()) return 0;
+  return QApplication::exec();
+}

@@ -1,0 +1,571 @@
+// The game window with the real application and a small test game: the command box and its
+// keys, waits, the pane's styled text, the direction and action buttons, the menus, closing the
+// window, the viewers, zoom and what reaches a screen reader. Dialogs are answered from inside
+// their own event loops.
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QFile>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextFragment>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include "WindowTestSupport.h"
+#include "desktop/DesktopHost.h"
+#include "desktop/DesktopServices.h"
+#include "interpreter/Variables.h"
+#include "player/Player.h"
+#include "player/windows/RichOutputPane.h"
+#include "player/windows/frmDunMsgBox.h"
+#include "player/windows/frmGWLLog.h"
+#include "player/windows/frmMain.h"
+#include "player/windows/frmSelection.h"
+#include "player/windows/frmStringVariables.h"
+
+namespace tarve {
+namespace {
+
+const std::string kWindowGame = std::string(TARVE_TEST_GAMES) + "/desktop/window.gwl";
+
+bool AnyDunMsgBoxExists() {
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (qobject_cast<frmDunMsgBox*>(window) != nullptr) return true;
+  }
+  return false;
+}
+
+// Runs `act` on the application's modal window once one of kind `Dialog` has opened; other
+// modal windows that open first are left to their own answers. Gives up after about five
+// seconds, so a dialog that never opens fails its test instead of hanging it.
+template <typename Dialog>
+void WhenOpens(std::function<void(Dialog*)> act, int tries = 500) {
+  QTimer::singleShot(10, [act = std::move(act), tries]() mutable {
+    if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
+      act(dialog);
+    } else if (tries > 0) {
+      WhenOpens<Dialog>(std::move(act), tries - 1);
+    } else {
+      ADD_FAILURE() << "the expected dialog did not open";
+    }
+  });
+}
+
+// Answers the next message box, whichever kind it is, with Yes/OK (`yes`) or No/Cancel, and
+// records its text.
+void AnswerMessage(bool yes, QString* text = nullptr) {
+  WhenOpens<QDialog>([=](QDialog* modal) {
+    if (auto* own = qobject_cast<frmDunMsgBox*>(modal)) {
+      if (text != nullptr) *text = own->txtMessage()->toPlainText();
+      (yes ? own->butOK() : own->butCancel())->click();
+    } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+      if (text != nullptr) *text = box->text();
+      QAbstractButton* button = box->button(yes ? QMessageBox::Yes : QMessageBox::No);
+      if (button == nullptr) button = box->button(yes ? QMessageBox::Ok : QMessageBox::Cancel);
+      button->click();
+    } else {
+      ADD_FAILURE() << "expected a message box";
+      modal->close();
+    }
+  });
+}
+
+// Picks `path` in the next file dialog, or cancels it when `path` is empty; records its filter.
+void AnswerFileDialog(const QString& path, QStringList* filters = nullptr) {
+  WhenOpens<QFileDialog>([=](QFileDialog* dialog) {
+    if (filters != nullptr) *filters = dialog->nameFilters();
+    if (path.isEmpty()) {
+      dialog->reject();
+    } else {
+      dialog->selectFile(path);
+      QMetaObject::invokeMethod(dialog, "accept");
+    }
+  });
+}
+
+// The format of the first piece of the pane's text that holds `word`.
+QTextCharFormat FormatOf(const QTextDocument* document, const QString& word) {
+  for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+    for (auto it = block.begin(); !it.atEnd(); ++it) {
+      if (it.fragment().text().contains(word)) return it.fragment().charFormat();
+    }
+  }
+  ADD_FAILURE() << "no text " << word.toStdString() << " in the pane";
+  return {};
+}
+
+Qt::Alignment AlignmentOf(const QTextDocument* document, const QString& word) {
+  for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+    if (block.text().contains(word)) return block.blockFormat().alignment();
+  }
+  ADD_FAILURE() << "no line " << word.toStdString() << " in the pane";
+  return {};
+}
+
+class GameWindowTest : public testing::Test {
+ protected:
+  GameWindowTest() {
+    host_.Attach(*player_);
+    services_.Attach(player_->game());
+  }
+
+  void Open(const std::string& path = kWindowGame) {
+    ASSERT_TRUE(player_->OpenGame(path));
+    // Shortcuts and the keyboard focus work in the active window only.
+    window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+  }
+
+  frmMain& window() { return host_.window(); }
+  QString Output() { return window().txtOutput()->Text(); }
+
+  // Types `text` into the command box and presses Enter, as the player does.
+  void Type(const QString& text) {
+    QLineEdit* box = window().txtCommand();
+    box->setFocus();
+    QTest::keyClicks(box, text);
+    QTest::keyClick(box, Qt::Key_Return);
+  }
+
+  // Runs `act` once the game waits for a key or a line, and makes sure the wait ends even when
+  // `act` fails, so that no test hangs.
+  void DuringWait(std::function<void()> act) {
+    auto* guard = new QTimer(&window());
+    guard->setSingleShot(true);
+    QObject::connect(guard, &QTimer::timeout, &window(), [this, guard] {
+      ADD_FAILURE() << "the wait did not end";
+      player_->KeyPressed();
+      guard->deleteLater();
+    });
+    QTimer::singleShot(0, &window(), [this, act = std::move(act), guard] {
+      EXPECT_TRUE(player_->waiting_for_key() || player_->waiting_for_line());
+      act();
+      guard->start(5000);
+      if (!player_->waiting_for_key() && !player_->waiting_for_line()) guard->deleteLater();
+    });
+  }
+
+  std::vector<QPushButton*> VisibleActionButtons() {
+    std::vector<QPushButton*> shown;
+    for (int i = 0; i < 4; ++i) {
+      if (!window().butDo(i)->isHidden()) shown.push_back(window().butDo(i));
+    }
+    return shown;
+  }
+
+  void Choose(const QString& thing) {
+    const QList<QListWidgetItem*> found = window().lstObjects()->findItems(thing, Qt::MatchExactly);
+    ASSERT_EQ(found.size(), 1) << thing.toStdString();
+    window().lstObjects()->setCurrentItem(found.front());
+  }
+
+  DesktopHost host_;
+  DesktopServices services_{{.keep_pauses = false}};
+  std::unique_ptr<Player> player_ = std::make_unique<Player>(Host(host_, host_, host_, services_));
+};
+
+TEST_F(GameWindowTest, CommandBoxKeysRecallCommandsAndEmptyTheBox) {
+  Open();
+  QLineEdit* box = window().txtCommand();
+  EXPECT_TRUE(window().isVisible());
+  EXPECT_EQ(window().windowTitle(), QStringLiteral("Tarve 2.17 - \"Window Test\""));
+
+  // F12 before any command gives an empty box.
+  QTest::keyClicks(box, QStringLiteral("xyz"));
+  QTest::keyClick(box, Qt::Key_F12);
+  EXPECT_EQ(box->text(), QString());
+
+  Type(QStringLiteral("look"));
+  EXPECT_EQ(box->text(), QString()) << "a command leaves the box empty";
+  Type(QStringLiteral("styles"));
+  QTest::keyClicks(box, QStringLiteral("dra"));
+  QTest::keyClick(box, Qt::Key_F12);
+  EXPECT_EQ(box->text(), QStringLiteral("styles"));
+  EXPECT_EQ(box->cursorPosition(), 6);
+  QTest::keyClick(box, Qt::Key_F11);
+  EXPECT_EQ(box->text(), QString());
+
+  // Up and Down walk through the session's commands and back to what was being typed.
+  QTest::keyClicks(box, QStringLiteral("dra"));
+  QTest::keyClick(box, Qt::Key_Up);
+  EXPECT_EQ(box->text(), QStringLiteral("styles"));
+  QTest::keyClick(box, Qt::Key_Up);
+  EXPECT_EQ(box->text(), QStringLiteral("look"));
+  EXPECT_EQ(box->cursorPosition(), 4);
+  QTest::keyClick(box, Qt::Key_Up);
+  EXPECT_EQ(box->text(), QStringLiteral("look"));
+  QTest::keyClick(box, Qt::Key_Down);
+  QTest::keyClick(box, Qt::Key_Down);
+  EXPECT_EQ(box->text(), QStringLiteral("dra"));
+
+  // Enter on an empty box prints nothing.
+  box->clear();
+  const QString before = Output();
+  QTest::keyClick(box, Qt::Key_Return);
+  window().butExecute()->click();
+  EXPECT_EQ(Output(), before);
+}
+
+TEST_F(GameWindowTest, KeyWaitDisablesTheControlsAndAnyKeyOrEnterEndsIt) {
+  Open();
+  bool checked = false;
+  DuringWait([&] {
+    checked = true;
+    EXPECT_TRUE(Output().contains(QStringLiteral("Before the key.")));
+    EXPECT_FALSE(Output().contains(QStringLiteral("After the key.")));
+    EXPECT_FALSE(window().txtCommand()->isEnabled());
+    EXPECT_FALSE(window().butExecute()->isEnabled());
+    EXPECT_FALSE(window().butDir(0)->isEnabled());
+    EXPECT_FALSE(window().butDir(5)->isEnabled());
+    EXPECT_FALSE(window().mnuSave()->isEnabled());
+    EXPECT_FALSE(window().mnuRestart()->isEnabled());
+    PressKey(&window(), Qt::Key_X);
+  });
+  Type(QStringLiteral("pause"));
+  EXPECT_TRUE(checked);
+  EXPECT_TRUE(Output().contains(QStringLiteral("After the key.")));
+  EXPECT_TRUE(window().txtCommand()->isEnabled());
+  EXPECT_TRUE(window().butDir(0)->isEnabled());
+  EXPECT_TRUE(window().mnuSave()->isEnabled());
+  EXPECT_TRUE(window().txtCommand()->hasFocus());
+
+  // Enter ends the wait and the text in the box is not run.
+  DuringWait([&] {
+    window().txtCommand()->setText(QStringLiteral("look"));
+    PressKey(&window(), Qt::Key_Return);
+  });
+  Type(QStringLiteral("pause"));
+  EXPECT_FALSE(Output().contains(QStringLiteral("> look")));
+  EXPECT_FALSE(player_->waiting_for_key());
+
+  // A click in the text goes on as a key does.
+  DuringWait([&] { QTest::mouseClick(window().txtOutput()->viewport(), Qt::LeftButton); });
+  Type(QStringLiteral("pause"));
+  EXPECT_FALSE(player_->waiting_for_key());
+}
+
+TEST_F(GameWindowTest, EnterWaitTakesTheNextLineTypedIntoTheBox) {
+  Open();
+  DuringWait([&] {
+    EXPECT_TRUE(window().txtCommand()->isEnabled());
+    EXPECT_FALSE(window().butExecute()->isEnabled());
+    EXPECT_FALSE(window().butDir(0)->isEnabled());
+    EXPECT_FALSE(window().mnuLoad()->isEnabled());
+    Type(QStringLiteral("blue"));
+  });
+  Type(QStringLiteral("ask"));
+  Type(QStringLiteral("answer"));
+  EXPECT_TRUE(Output().contains(QStringLiteral("You said blue.")));
+}
+
+TEST_F(GameWindowTest, FormattingCodesBecomeTheTextsCharacterFormats) {
+  Open();
+  Type(QStringLiteral("styles"));
+  Type(QStringLiteral("centre"));
+  const QTextDocument* document = window().txtOutput()->document();
+  EXPECT_EQ(FormatOf(document, QStringLiteral("Bold")).fontWeight(), QFont::Bold);
+  EXPECT_FALSE(FormatOf(document, QStringLiteral("Italic")).fontWeight() == QFont::Bold);
+  EXPECT_TRUE(FormatOf(document, QStringLiteral("Italic")).fontItalic());
+  EXPECT_TRUE(FormatOf(document, QStringLiteral("Under")).fontUnderline());
+  EXPECT_FALSE(FormatOf(document, QStringLiteral("Under")).fontItalic());
+  EXPECT_EQ(FormatOf(document, QStringLiteral("Red")).foreground().color(), QColor(255, 0, 0));
+  EXPECT_EQ(FormatOf(document, QStringLiteral("Blue")).foreground().color(), QColor(0, 0, 255));
+  EXPECT_EQ(FormatOf(document, QStringLiteral("A plain hall")).foreground().color(),
+            QColor(0, 0, 0));
+  EXPECT_DOUBLE_EQ(FormatOf(document, QStringLiteral("Big")).fontPointSize(), 14.0);
+  // The player's default face and size, from the settings.
+  const QTextCharFormat plain = FormatOf(document, QStringLiteral("A plain hall"));
+  EXPECT_DOUBLE_EQ(plain.fontPointSize(), 8.25);
+  EXPECT_EQ(plain.fontFamilies().toStringList(), QStringList{QStringLiteral("Courier New")});
+  Type(QStringLiteral("left"));
+  Type(QStringLiteral("look"));
+  EXPECT_EQ(AlignmentOf(document, QStringLiteral("> centre")), Qt::AlignLeft);
+  EXPECT_EQ(AlignmentOf(document, QStringLiteral("Middle")), Qt::AlignHCenter);
+  // A new line keeps the alignment of the line before it, until a code changes its own.
+  EXPECT_EQ(AlignmentOf(document, QStringLiteral("> left")), Qt::AlignHCenter);
+  EXPECT_EQ(AlignmentOf(document, QStringLiteral("> look")), Qt::AlignLeft);
+
+  // Lines end with paragraph breaks, not with stray characters.
+  EXPECT_TRUE(Output().contains(QStringLiteral("\n> styles\nBold Italic Under Red Blue")));
+  EXPECT_FALSE(Output().contains(QChar(u'\r')));
+
+  // Zooming scales every size the game chose, is remembered, and goes back exactly.
+  QTest::keyClick(window().txtCommand(), Qt::Key_Plus, Qt::ControlModifier);
+  QTest::keyClick(window().txtCommand(), Qt::Key_Plus, Qt::ControlModifier);
+  EXPECT_EQ(window().txtOutput()->zoom(), 2);
+  EXPECT_DOUBLE_EQ(FormatOf(document, QStringLiteral("Big")).fontPointSize(), 14.0 * 1.2);
+  EXPECT_EQ(player_->settings_store().Read("Options", "PaneZoom"), "2");
+  Type(QStringLiteral("styles"));
+  EXPECT_DOUBLE_EQ(window().txtOutput()->CurrentFontSize(), 8.25);
+  frmMain second;
+  second.Attach(*player_);
+  EXPECT_EQ(second.txtOutput()->zoom(), 2);
+  QTest::keyClick(window().txtCommand(), Qt::Key_Minus, Qt::ControlModifier);
+  QTest::keyClick(window().txtCommand(), Qt::Key_Minus, Qt::ControlModifier);
+  EXPECT_DOUBLE_EQ(FormatOf(document, QStringLiteral("Big")).fontPointSize(), 14.0);
+}
+
+TEST_F(GameWindowTest, DirectionButtonsFollowTheExitsAndSendTheirCommands) {
+  Open();
+  const auto enabled = [this] {
+    std::string letters;
+    for (int i = 0; i < 10; ++i) letters += window().butDir(i)->isEnabled() ? '1' : '0';
+    return letters;
+  };
+  // north, out, help and northeast.
+  EXPECT_EQ(enabled(), "1000111000");
+  EXPECT_TRUE(window().lblLocation()->text().contains(QStringLiteral("Hall")));
+  QTest::mouseClick(window().butDir(0), Qt::LeftButton);
+  EXPECT_TRUE(Output().contains(QStringLiteral("> north\n")));
+  EXPECT_TRUE(Output().endsWith(QStringLiteral("Roses everywhere.\n")) ||
+              Output().contains(QStringLiteral("Roses everywhere.")));
+  EXPECT_TRUE(window().lblLocation()->text().contains(QStringLiteral("Garden")));
+  // south and west.
+  EXPECT_EQ(enabled(), "0110010000");
+  EXPECT_TRUE(window().Timer1()->isActive()) << "a new room lights the label up";
+  QTest::mouseClick(window().butDir(1), Qt::LeftButton);
+  QTest::mouseClick(window().butDir(6), Qt::LeftButton);
+  // southwest only.
+  EXPECT_EQ(enabled(), "0000010001");
+  window().butDir(5)->click();
+  EXPECT_TRUE(Output().contains(QStringLiteral("> help")));
+}
+
+TEST_F(GameWindowTest, ActionButtonsShowPerKindOfEntryAndActOnIt) {
+  Open();
+  QListWidget* list = window().lstObjects();
+  ASSERT_EQ(list->count(), 3);
+  EXPECT_TRUE(VisibleActionButtons().empty()) << "nothing is chosen yet";
+
+  Choose(QStringLiteral("Butler"));
+  EXPECT_EQ(VisibleActionButtons(),
+            (std::vector<QPushButton*>{window().butDo(1), window().butDo(2)}));
+  EXPECT_EQ(window().butDo(2)->accessibleName(), QStringLiteral("Speak to Butler"));
+  window().butDo(2)->click();
+  EXPECT_TRUE(Output().contains(QStringLiteral("> speak to Butler\n\"Good evening.\"")));
+
+  Choose(QStringLiteral("lamp"));
+  EXPECT_EQ(VisibleActionButtons(),
+            (std::vector<QPushButton*>{window().butDo(1), window().butDo(3)}));
+  window().butDo(3)->click();
+  EXPECT_TRUE(window().txtItems()->toPlainText().contains(QStringLiteral("lamp")));
+
+  Choose(QStringLiteral("Kitchen"));
+  EXPECT_EQ(VisibleActionButtons(),
+            (std::vector<QPushButton*>{window().butDo(0), window().butDo(1)}));
+  window().butDo(0)->click();
+  EXPECT_TRUE(Output().contains(QStringLiteral("Pots and pans.")));
+  EXPECT_TRUE(VisibleActionButtons().empty()) << "a new room's list has nothing chosen";
+}
+
+TEST_F(GameWindowTest, SaveAfterLoadingASavedGameOverwritesItWithoutAsking) {
+  QTemporaryDir folder;
+  const QString path = folder.filePath(QStringLiteral("progress.tsg"));
+  Open();
+  QStringList filters;
+  AnswerFileDialog(path, &filters);
+  window().mnuSaveAs()->trigger();
+  EXPECT_EQ(filters, (QStringList{QStringLiteral("Tarve saved game (*.tsg)"),
+                                  QStringLiteral("All files (*)")}));
+  ASSERT_TRUE(QFile::exists(path));
+
+  window().butDir(0)->click();  // to the garden
+  player_->OpenGame(kWindowGame);  // a fresh game: nothing saved yet
+  AnswerFileDialog(path);
+  window().mnuLoad()->trigger();
+  EXPECT_TRUE(window().lblLocation()->text().contains(QStringLiteral("Hall")));
+
+  window().butDir(0)->click();
+  bool asked = false;
+  QTimer guard;
+  guard.setSingleShot(true);
+  QObject::connect(&guard, &QTimer::timeout, [&] {
+    if (QWidget* modal = QApplication::activeModalWidget()) {
+      asked = true;
+      modal->close();
+    }
+  });
+  guard.start(50);
+  window().mnuSave()->trigger();
+  EXPECT_FALSE(asked);
+  QFile saved(path);
+  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(saved.readAll().contains("Garden"));
+}
+
+TEST_F(GameWindowTest, MessageBoxesFollowTheSpecialMsgBoxSetting) {
+  Open();
+  player_->game().settings.special_msg_box = false;
+  QString text;
+  bool dun_box_seen = true;
+  WhenOpens<QMessageBox>([&](QMessageBox* box) {
+    dun_box_seen = AnyDunMsgBoxExists();
+    text = box->text();
+    box->button(QMessageBox::No)->click();
+  });
+  window().mnuRestart()->trigger();
+  EXPECT_FALSE(dun_box_seen);
+  EXPECT_EQ(text, QStringLiteral("Do you really want to restart this game from the beginning?"));
+
+  // With the setting on, the program's own box asks; Yes restarts.
+  player_->game().settings.special_msg_box = true;
+  Type(QStringLiteral("north"));
+  AnswerMessage(true, &text);
+  window().mnuRestart()->trigger();
+  EXPECT_TRUE(window().lblLocation()->text().contains(QStringLiteral("Hall")));
+  EXPECT_FALSE(Output().contains(QStringLiteral("> north")));
+}
+
+TEST_F(GameWindowTest, ClosingTheWindowAsksAndNoKeepsTheGame) {
+  Open();
+  QString text;
+  AnswerMessage(false, &text);
+  EXPECT_FALSE(window().close());
+  EXPECT_EQ(text, QStringLiteral("Do you really want to exit this game?"));
+  EXPECT_TRUE(window().isVisible());
+  EXPECT_TRUE(player_->game_open());
+
+  // Yes leaves the game; a game not named on the command line goes back to the launcher, whose
+  // file dialog offers games and saved games. Cancelling it ends the program.
+  QStringList filters;
+  AnswerMessage(true);
+  AnswerFileDialog(QString(), &filters);
+  EXPECT_TRUE(window().close());
+  EXPECT_FALSE(window().isVisible());
+  EXPECT_FALSE(player_->game_open());
+  for (int i = 0; i < 100 && !host_.ending(); ++i) QTest::qWait(10);
+  EXPECT_TRUE(host_.ending());
+  EXPECT_EQ(filters,
+            (QStringList{QStringLiteral("Tarve games (*.gwl *.cgw)"),
+                         QStringLiteral("Tarve saved games (*.tsg)"), QStringLiteral("All files (*)")}));
+}
+
+TEST_F(GameWindowTest, ClosingTheWindowDuringAWaitEndsTheWait) {
+  Open();
+  DuringWait([&] {
+    AnswerMessage(true);
+    AnswerFileDialog(QString());
+    window().close();
+  });
+  Type(QStringLiteral("pause"));  // returns: the wait ended with the game
+  EXPECT_FALSE(window().isVisible());
+  EXPECT_FALSE(player_->game_open());
+  for (int i = 0; i < 100 && !host_.ending(); ++i) QTest::qWait(10);
+  EXPECT_TRUE(host_.ending());
+}
+
+TEST_F(GameWindowTest, GameOverLeavesOnlyLoadingRestartingAndLeaving) {
+  Open();
+  Type(QStringLiteral("win"));
+  EXPECT_TRUE(Output().contains(QStringLiteral("You have won the window test!")));
+  EXPECT_FALSE(window().txtCommand()->isEnabled());
+  EXPECT_FALSE(window().butExecute()->isEnabled());
+  EXPECT_FALSE(window().butDir(5)->isEnabled());
+  EXPECT_FALSE(window().lstObjects()->isEnabled());
+  EXPECT_FALSE(window().mnuSave()->isEnabled());
+  EXPECT_FALSE(window().mnuGameInfo()->isEnabled());
+  EXPECT_TRUE(window().mnuLoad()->isEnabled());
+  EXPECT_TRUE(window().mnuRestart()->isEnabled());
+  EXPECT_TRUE(window().mnuDifferentGame()->isEnabled());
+  EXPECT_TRUE(window().lblStatus()->text().startsWith(QStringLiteral("GAME OVER")));
+}
+
+TEST_F(GameWindowTest, LogWindowAndViewersFollowTheGame) {
+  Open();
+  window().mnuViewLog()->trigger();
+  frmGWLLog* log = window().LogWindow();
+  EXPECT_TRUE(log->isVisible());
+  EXPECT_TRUE(window().mnuViewLog()->isChecked());
+  EXPECT_TRUE(log->txtLog()->toPlainText().contains(QStringLiteral("Finished loading file.")));
+  log->close();
+  EXPECT_FALSE(window().mnuViewLog()->isChecked());
+  EXPECT_FALSE(player_->log_window_visible());
+
+  window().mnuViewVariables(VariableStore::kString)->trigger();
+  frmStringVariables* viewer = window().VariablesWindow(VariableStore::kString);
+  ASSERT_NE(viewer, nullptr);
+  EXPECT_EQ(viewer->windowTitle(), QStringLiteral("String variables"));
+  Type(QStringLiteral("set"));
+  QTableWidget* grid = viewer->grdVariables();
+  const QList<QTableWidgetItem*> found = grid->findItems(QStringLiteral("colour"), Qt::MatchExactly);
+  ASSERT_EQ(found.size(), 1);
+  EXPECT_EQ(grid->item(found.front()->row(), 1)->text(), QStringLiteral("blue"));
+
+  window().mnuViewVariables(VariableStore::kCollectable)->trigger();
+  frmStringVariables* collectables = window().VariablesWindow(VariableStore::kCollectable);
+  ASSERT_NE(collectables, nullptr);
+  EXPECT_EQ(collectables->windowTitle(), QStringLiteral("Collectables"));
+  EXPECT_FALSE(collectables->grdVariables()->findItems(QStringLiteral("score"), Qt::MatchExactly)
+                   .isEmpty());
+}
+
+TEST_F(GameWindowTest, EveryControlHasANameAndNewTextIsAnnouncedOncePerTurn) {
+  Open();
+  for (QWidget* widget : window().findChildren<QWidget*>()) {
+    const bool control = qobject_cast<QAbstractButton*>(widget) != nullptr ||
+                         qobject_cast<QLineEdit*>(widget) != nullptr ||
+                         qobject_cast<QListWidget*>(widget) != nullptr ||
+                         qobject_cast<QTextEdit*>(widget) != nullptr ||
+                         qobject_cast<QPlainTextEdit*>(widget) != nullptr;
+    if (control && widget->focusPolicy() != Qt::NoFocus && widget->window() == &window()) {
+      EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
+    }
+  }
+
+  // What a turn adds reaches the speech option (and a screen reader, through the toolkit's own
+  // text events) once, as a whole, when the event loop runs again.
+  QStringList added;
+  QObject::connect(window().txtOutput(), &RichOutputPane::textAdded,
+                   [&added](const QString& text) { added.append(text); });
+  Type(QStringLiteral("look"));
+  QApplication::processEvents();
+  ASSERT_EQ(added.size(), 1);
+  EXPECT_TRUE(added.front().startsWith(QStringLiteral("> look\nYou are in Hall.")));
+  EXPECT_TRUE(added.front().contains(QStringLiteral("A plain hall.")));
+  // Without a speech engine the option says so and stays off.
+  if (!window().SpeechAvailable()) {
+    EXPECT_FALSE(window().mnuReadAloud()->isEnabled());
+    EXPECT_FALSE(window().mnuReadAloud()->isChecked());
+    EXPECT_TRUE(window().mnuReadAloud()->text().contains(QStringLiteral("no speech engine")));
+  }
+}
+
+// The demo game from its first room to the beacon, typed into the command box, with the choice
+// answered in its dialog.
+TEST_F(GameWindowTest, TheDemoGameIsWonByTypingItsWalkthrough) {
+  std::ifstream transcript(std::string(TARVE_SOURCE_DIR) + "/tests/transcripts/demo/walkthrough.tt");
+  ASSERT_TRUE(transcript.is_open());
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(transcript, line);) lines.push_back(line);
+  Open(std::string(TARVE_SOURCE_DIR) + "/examples/demo.gwl");
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (!lines[i].starts_with("> ")) continue;
+    // The answer to a choice comes in the transcript after the menu it answers.
+    for (std::size_t j = i + 1; j < lines.size() && !lines[j].starts_with("> "); ++j) {
+      if (!lines[j].starts_with("<< ")) continue;
+      const int answer = std::stoi(lines[j].substr(3)) - 1;
+      WhenOpens<frmSelection>([answer](frmSelection* selection) {
+        selection->lstAnswers()->setCurrentRow(answer);
+        selection->butOK()->click();
+      });
+    }
+    Type(QString::fromStdString(lines[i].substr(2)));
+  }
+  EXPECT_TRUE(Output().contains(QStringLiteral("You have saved them all.")));
+  EXPECT_TRUE(player_->game_over());
+}
+
+}  // namespace
+}  // namespace tarve
