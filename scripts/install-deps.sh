@@ -9,6 +9,8 @@ packages=(
   # Reading text aloud; Debian's Qt TextToSpeech package finds its CMake files only with
   # the declarative development files installed.
   qt6-speech-dev qt6-declarative-dev
+  # Faces with the measures of the fonts games name ("Courier New", "Arial").
+  fonts-liberation
   googletest libgtest-dev
   libbenchmark-dev
   clang libclang-rt-14-dev

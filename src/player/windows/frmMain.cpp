@@ -235,6 +235,11 @@ QWidget* frmMain::BuildSidePanel() {
     button->setObjectName(QStringLiteral("butDo%1").arg(i));
     button->setAccessibleName(WithoutMnemonic(kActionCaptions[i]));
     button->setAutoDefault(false);
+    // The buttons keep their place while hidden, so that choosing an entry does not move the
+    // controls under the pointer.
+    QSizePolicy policy = button->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    button->setSizePolicy(policy);
     button->hide();
     const int index = static_cast<int>(i);
     connect(button, &QPushButton::clicked, this, [this, index] { PressActionButton(index); });
@@ -411,11 +416,18 @@ void frmMain::SetThingsHere(const std::vector<GameWindow::ListedThing>& things) 
     auto* item = new QListWidgetItem(QString::fromStdString(thing.name), lst_objects_);
     item->setData(kThingTypeRole, static_cast<int>(thing.type));
   }
+  // A list that has the focus makes its first entry current; nothing is chosen until the player
+  // chooses it.
+  lst_objects_->setCurrentItem(nullptr);
   ShowActionButtons();
 }
 
 void frmMain::SetItems(const std::string& display_text) {
-  txt_items_->setPlainText(ToDisplayText(display_text));
+  QString shown = ToDisplayText(display_text);
+  // The pane's own label is the heading; the text's first line would only repeat it.
+  const QString heading = QStringLiteral("Items:\n");
+  if (shown.startsWith(heading)) shown.remove(0, heading.size());
+  txt_items_->setPlainText(shown);
 }
 
 void frmMain::SetCollectables(const std::vector<std::string>& lines) {
@@ -506,6 +518,10 @@ void frmMain::SetViewerRow(int store, int rows, int row, const std::string& name
 void frmMain::GameOpened() {
   game_shown_ = true;
   game_over_ = false;
+  // Nothing of the previous game stays; the new game fills the panes as it goes.
+  txt_items_->clear();
+  lst_collectables_->clear();
+  lbl_status_->clear();
   ApplyLabelColours(false);
   location_.clear();
   for (VariableStore store : kStores) RefreshViewer(store);
