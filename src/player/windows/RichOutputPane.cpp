@@ -54,6 +54,7 @@ RichOutputPane::RichOutputPane(QWidget* parent, int max_paragraphs, int max_char
 void RichOutputPane::InsertText(std::string_view text) {
   if (text.empty()) return;
   const QString shown = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+  BeginBatch();
   qsizetype run_start = 0;
   for (qsizetype i = 0; i < shown.size(); ++i) {
     const QChar c = shown[i];
@@ -109,6 +110,7 @@ void RichOutputPane::SetAlignment(Qt::Alignment alignment) {
 }
 
 void RichOutputPane::ClearOutput() {
+  EndBatch();
   document()->clear();
   cursor_ = QTextCursor(document());
   QTextBlockFormat paragraph;
@@ -120,6 +122,7 @@ void RichOutputPane::ClearOutput() {
 }
 
 void RichOutputPane::RepaintNow() {
+  EndBatch();
   ScrollToEnd();
   viewport()->repaint();
 }
@@ -138,6 +141,7 @@ double RichOutputPane::ZoomedSize(double points) const {
 void RichOutputPane::SetZoom(int steps) {
   steps = std::clamp(steps, kMinZoom, kMaxZoom);
   if (steps == zoom_) return;
+  EndBatch();
   zoom_ = steps;
   if (points_ > 0) format_.setFontPointSize(ZoomedSize(points_));
 
@@ -194,16 +198,30 @@ void RichOutputPane::wheelEvent(QWheelEvent* event) {
   QTextEdit::wheelEvent(event);
 }
 
+bool RichOutputPane::viewportEvent(QEvent* event) {
+  if (event->type() == QEvent::Paint) EndBatch();
+  return QTextEdit::viewportEvent(event);
+}
+
+void RichOutputPane::BeginBatch() {
+  if (batch_open_) return;
+  cursor_.beginEditBlock();
+  batch_open_ = true;
+}
+
+void RichOutputPane::EndBatch() {
+  if (!batch_open_) return;
+  batch_open_ = false;
+  cursor_.endEditBlock();
+}
+
 void RichOutputPane::TrimToBound() {
   QTextDocument* doc = document();
   const int paragraphs = doc->blockCount();
   const int characters = doc->characterCount();
-  // Nothing goes until the pane is a tenth over a bound; then the oldest text goes in one edit
-  // down to the bound, so trimming is rare and each costs one layout change at the top.
-  if (paragraphs <= max_paragraphs_ + max_paragraphs_ / 10 &&
-      characters <= max_characters_ + max_characters_ / 10) {
-    return;
-  }
+  // Nothing goes until the pane holds twice a bound; then the oldest text goes in one edit down
+  // to the bound. Each trim costs a layout of all that is kept, so it must be rare.
+  if (paragraphs / 2 <= max_paragraphs_ && characters / 2 <= max_characters_) return;
   int cut = 0;
   if (paragraphs > max_paragraphs_) {
     cut = doc->findBlockByNumber(paragraphs - max_paragraphs_).position();
@@ -216,6 +234,8 @@ void RichOutputPane::TrimToBound() {
                                                                       : holder.next().position();
   }
   if (cut <= 0) return;
+  // A character outside the basic plane is never cut in two.
+  if (doc->characterAt(cut).isLowSurrogate()) ++cut;
   const QTextBlock first = doc->findBlock(cut);
   const QTextBlockFormat first_paragraph = first.blockFormat();
   QTextCursor cursor(doc);
@@ -231,6 +251,7 @@ void RichOutputPane::ScrollToEnd() {
 }
 
 void RichOutputPane::FlushAdded() {
+  EndBatch();
   ScrollToEnd();
   if (added_.isEmpty()) return;
   QString text;

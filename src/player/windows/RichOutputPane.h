@@ -18,10 +18,13 @@ class RichOutputPane : public QTextEdit {
   Q_OBJECT
 
  public:
-  // The pane keeps at most this many paragraphs and characters, the newest. A paragraph is a
-  // printed line; both bounds are needed, since a game can print one endless line with "|xn".
-  static constexpr int kMaxParagraphs = 20000;
-  static constexpr int kMaxCharacters = 4 << 20;
+  // The pane keeps at least this many of the newest paragraphs and characters, and at most
+  // twice as many: once over twice a bound, the oldest text goes in one edit down to the bound.
+  // Removing text at the top makes the pane lay out what it keeps again, so trimming must be
+  // rare. A paragraph is a printed line; both bounds are needed, since a game can print one
+  // endless line with "|xn".
+  static constexpr int kMaxParagraphs = 10000;
+  static constexpr int kMaxCharacters = 1 << 20;
   // Zoom steps of 10% each, from 50% to 300% of the sizes the game chose.
   static constexpr int kMinZoom = -5;
   static constexpr int kMaxZoom = 20;
@@ -67,6 +70,7 @@ class RichOutputPane : public QTextEdit {
 
  protected:
   void wheelEvent(QWheelEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
 
  private:
   double ZoomedSize(double points) const;
@@ -75,6 +79,11 @@ class RichOutputPane : public QTextEdit {
   void TrimToBound();
   void ScrollToEnd();
   void FlushAdded();
+  // Text printed in one go (a turn, a long loop of messages) is inserted as one edit, so the
+  // pane lays it out once instead of once for every styled piece of it. The edit ends before
+  // the pane paints, and as soon as the event loop runs again.
+  void BeginBatch();
+  void EndBatch();
 
   QTextCursor cursor_;  // always at the end of the document
   QTextCharFormat format_;
@@ -83,6 +92,7 @@ class RichOutputPane : public QTextEdit {
   int zoom_ = 0;
   int max_paragraphs_;
   int max_characters_;
+  bool batch_open_ = false;
   QString added_;  // new text not yet announced
   QTimer flush_timer_;
 };

@@ -280,7 +280,7 @@ QWidget* frmMain::BuildSidePanel() {
 
   lst_collectables_->setObjectName(QStringLiteral("lstCollectables"));
   lst_collectables_->setAccessibleName(tr("Collectables"));
-  auto* collectables_label = new QLabel(tr("Co&llectables:"));
+  auto* collectables_label = new QLabel(tr("Colle&ctables:"));
   collectables_label->setBuddy(lst_collectables_);
   layout->addWidget(collectables_label);
   layout->addWidget(lst_collectables_, 1);
