@@ -74,6 +74,31 @@ std::string FormattedLine(int i) {
          "|s12bigger|s00 text that fills a good part of a line in the window.";
 }
 
+// Start-up with the demo game on the command line, from making the window to the first room
+// painted: what `tarve demo.gwl` does after the toolkit has started.
+void BM_StartDemoToFirstPaintedRoom(benchmark::State& state) {
+  for (auto _ : state) {
+    tarve::DesktopHost host;
+    tarve::DesktopServices services({.keep_pauses = false});
+    tarve::Player player(tarve::Host(host, host, host, services));
+    host.Attach(player);
+    services.Attach(player.game());
+    tarve::Player::StartOptions options;
+    options.seed = 1;
+    options.program_folder = std::string(TARVE_BENCH_SOURCE_DIR) + "/data";
+    if (player.Start(DemoPath(), options) != tarve::Player::Started::kGame) {
+      state.SkipWithError("the demo game did not open");
+      return;
+    }
+    QApplication::processEvents();
+    host.window().repaint();
+    state.PauseTiming();
+    host.window().hide();
+    QApplication::processEvents();
+    state.ResumeTiming();
+  }
+}
+
 void BM_PrintFormattedLinesIntoThePane(benchmark::State& state) {
   const int lines = static_cast<int>(state.range(0));
   Desktop desktop(DemoPath());
@@ -154,6 +179,7 @@ void BM_MemoryOfA100000LineSession(benchmark::State& state) {
   state.counters["paragraphs_kept"] = paragraphs;
 }
 
+BENCHMARK(BM_StartDemoToFirstPaintedRoom)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PrintFormattedLinesIntoThePane)
     ->Arg(10000)
     ->Unit(benchmark::kMillisecond)

@@ -12,7 +12,7 @@ build=${1:-"$root/build/release"}
 if [ $# -eq 0 ]; then
   (cd "$root" && cmake --preset release >/dev/null)
 fi
-cmake --build "$build" -j2 --target tarve_bench tarve-cli tarve-gen-large >/dev/null
+cmake --build "$build" -j2 --target tarve_bench tarve_window_bench tarve-cli tarve-gen-large >/dev/null
 
 cli="$build/src/tarve-cli"
 gen="$build/bench/tarve-gen-large"
@@ -90,4 +90,14 @@ for game in "$root/examples/demo.gwl" "$out/cli-50/large.gwl" "$out/cli-100/larg
   fi
   printf '%-36s %10s %12s\n' "tarve-cli ${game#"$root"/}" "$(median_ms "$cli" --seed 1 "$game")" \
     "$peak"
+done
+
+echo
+echo "=== the game window (offscreen; medians of the repetitions) ==="
+window="$build/bench/tarve_window_bench"
+"$window" --benchmark_filter='Start|Print|Enter' --benchmark_repetitions=5 \
+  --benchmark_report_aggregates_only=true 2>&1 | grep -E '_median' || true
+# Each session in a process of its own: memory one session freed would stay with the next.
+for bounded in 1 0; do
+  "$window" --benchmark_filter="Memory.*/$bounded/" 2>&1 | grep -E '^BM_' || true
 done
