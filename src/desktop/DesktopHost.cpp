@@ -59,9 +59,7 @@ void DesktopHost::SetAlignment(Alignment alignment) {
 void DesktopHost::ClearOutput() { main_->txtOutput()->ClearOutput(); }
 void DesktopHost::Repaint() { main_->txtOutput()->RepaintNow(); }
 
-QWidget* DesktopHost::DialogParent() const {
-  return main_->isVisible() ? main_.get() : nullptr;
-}
+QWidget* DesktopHost::DialogParent() const { return main_->isVisible() ? main_.get() : nullptr; }
 
 int DesktopHost::ShowMessage(const std::string& text, const std::string& title, int style) {
   // Before the settings are read the player's default (the program's own box) holds.
@@ -212,9 +210,7 @@ void DesktopHost::ProcessEventsUntil(const std::function<bool()>& done) {
   // The wait goes on while the game's window can still take a key or a line: once the player
   // has left the game (or the program is ending) nothing could end it.
   main_->UpdateControls();
-  const auto can_wait = [this] {
-    return !ending_ && player_ != nullptr && player_->game_open() && main_->isVisible();
-  };
+  const auto can_wait = [this] { return !ending_ && main_->game_shown() && main_->isVisible(); };
   while (!done() && can_wait()) {
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
   }

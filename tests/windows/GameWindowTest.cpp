@@ -7,6 +7,7 @@
 #include <QAbstractButton>
 #include <QFile>
 #include <QFileDialog>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -32,6 +33,7 @@
 #include "player/windows/frmDunMsgBox.h"
 #include "player/windows/frmGWLLog.h"
 #include "player/windows/frmMain.h"
+#include "player/windows/frmPic.h"
 #include "player/windows/frmSelection.h"
 #include "player/windows/frmStringVariables.h"
 
@@ -142,19 +144,27 @@ class GameWindowTest : public testing::Test {
   // Runs `act` once the game waits for a key or a line, and makes sure the wait ends even when
   // `act` fails, so that no test hangs.
   void DuringWait(std::function<void()> act) {
-    auto* guard = new QTimer(&window());
-    guard->setSingleShot(true);
-    QObject::connect(guard, &QTimer::timeout, &window(), [this, guard] {
-      ADD_FAILURE() << "the wait did not end";
-      player_->KeyPressed();
-      guard->deleteLater();
-    });
-    QTimer::singleShot(0, &window(), [this, act = std::move(act), guard] {
-      EXPECT_TRUE(player_->waiting_for_key() || player_->waiting_for_line());
+    auto* poll = new QTimer(&window());
+    poll->setInterval(5);
+    QObject::connect(poll, &QTimer::timeout, &window(), [this, poll, act = std::move(act)] {
+      if (!player_->waiting_for_key() && !player_->waiting_for_line()) {
+        if (poll->property("tries").toInt() > 1000) {
+          poll->stop();
+          ADD_FAILURE() << "the game never waited";
+        }
+        poll->setProperty("tries", poll->property("tries").toInt() + 1);
+        return;
+      }
+      poll->stop();
       act();
-      guard->start(5000);
-      if (!player_->waiting_for_key() && !player_->waiting_for_line()) guard->deleteLater();
+      QTimer::singleShot(5000, &window(), [this] {
+        if (!player_->waiting_for_key() && !player_->waiting_for_line()) return;
+        ADD_FAILURE() << "the wait did not end";
+        if (player_->waiting_for_key()) player_->KeyPressed();
+        if (player_->waiting_for_line()) player_->SubmitCommand("ended by the test");
+      });
     });
+    poll->start();
   }
 
   std::vector<QPushButton*> VisibleActionButtons() {
@@ -254,6 +264,20 @@ TEST_F(GameWindowTest, KeyWaitDisablesTheControlsAndAnyKeyOrEnterEndsIt) {
   DuringWait([&] { QTest::mouseClick(window().txtOutput()->viewport(), Qt::LeftButton); });
   Type(QStringLiteral("pause"));
   EXPECT_FALSE(player_->waiting_for_key());
+}
+
+TEST_F(GameWindowTest, StartScriptsWaitInTheShownWindow) {
+  bool waited = false;
+  DuringWait([&] {
+    waited = true;
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_TRUE(Output().contains(QStringLiteral("Before the wait.")));
+    EXPECT_FALSE(Output().contains(QStringLiteral("After the key.")));
+    PressKey(&window(), Qt::Key_Space);
+  });
+  ASSERT_TRUE(player_->OpenGame(std::string(TARVE_TEST_GAMES) + "/desktop/startwait.gwl"));
+  EXPECT_TRUE(waited);
+  EXPECT_TRUE(Output().contains(QStringLiteral("After the key.")));
 }
 
 TEST_F(GameWindowTest, EnterWaitTakesTheNextLineTypedIntoTheBox) {
@@ -381,7 +405,7 @@ TEST_F(GameWindowTest, SaveAfterLoadingASavedGameOverwritesItWithoutAsking) {
                                   QStringLiteral("All files (*)")}));
   ASSERT_TRUE(QFile::exists(path));
 
-  window().butDir(0)->click();  // to the garden
+  window().butDir(0)->click();     // to the garden
   player_->OpenGame(kWindowGame);  // a fresh game: nothing saved yet
   AnswerFileDialog(path);
   window().mnuLoad()->trigger();
@@ -447,9 +471,9 @@ TEST_F(GameWindowTest, ClosingTheWindowAsksAndNoKeepsTheGame) {
   EXPECT_FALSE(player_->game_open());
   for (int i = 0; i < 100 && !host_.ending(); ++i) QTest::qWait(10);
   EXPECT_TRUE(host_.ending());
-  EXPECT_EQ(filters,
-            (QStringList{QStringLiteral("Tarve games (*.gwl *.cgw)"),
-                         QStringLiteral("Tarve saved games (*.tsg)"), QStringLiteral("All files (*)")}));
+  EXPECT_EQ(filters, (QStringList{QStringLiteral("Tarve games (*.gwl *.cgw)"),
+                                  QStringLiteral("Tarve saved games (*.tsg)"),
+                                  QStringLiteral("All files (*)")}));
 }
 
 TEST_F(GameWindowTest, ClosingTheWindowDuringAWaitEndsTheWait) {
@@ -499,7 +523,8 @@ TEST_F(GameWindowTest, LogWindowAndViewersFollowTheGame) {
   EXPECT_EQ(viewer->windowTitle(), QStringLiteral("String variables"));
   Type(QStringLiteral("set"));
   QTableWidget* grid = viewer->grdVariables();
-  const QList<QTableWidgetItem*> found = grid->findItems(QStringLiteral("colour"), Qt::MatchExactly);
+  const QList<QTableWidgetItem*> found =
+      grid->findItems(QStringLiteral("colour"), Qt::MatchExactly);
   ASSERT_EQ(found.size(), 1);
   EXPECT_EQ(grid->item(found.front()->row(), 1)->text(), QStringLiteral("blue"));
 
@@ -507,8 +532,8 @@ TEST_F(GameWindowTest, LogWindowAndViewersFollowTheGame) {
   frmStringVariables* collectables = window().VariablesWindow(VariableStore::kCollectable);
   ASSERT_NE(collectables, nullptr);
   EXPECT_EQ(collectables->windowTitle(), QStringLiteral("Collectables"));
-  EXPECT_FALSE(collectables->grdVariables()->findItems(QStringLiteral("score"), Qt::MatchExactly)
-                   .isEmpty());
+  EXPECT_FALSE(
+      collectables->grdVariables()->findItems(QStringLiteral("score"), Qt::MatchExactly).isEmpty());
 }
 
 TEST_F(GameWindowTest, EveryControlHasANameAndNewTextIsAnnouncedOncePerTurn) {
@@ -542,10 +567,27 @@ TEST_F(GameWindowTest, EveryControlHasANameAndNewTextIsAnnouncedOncePerTurn) {
   }
 }
 
+TEST_F(GameWindowTest, PicturesOpenThePictureWindowOrANoteInTheLog) {
+  Open();
+  QTemporaryDir folder;
+  const QString path = folder.filePath(QStringLiteral("map.png"));
+  QImage picture(64, 48, QImage::Format_RGB32);
+  picture.fill(Qt::darkGreen);
+  ASSERT_TRUE(picture.save(path));
+  services_.ShowPicture(path.toStdString());
+  ASSERT_NE(services_.PictureWindow(), nullptr);
+  EXPECT_TRUE(services_.PictureWindow()->isVisible());
+  EXPECT_EQ(services_.PictureWindow()->PictureSize(), QSize(64, 48));
+
+  services_.ShowPicture(folder.filePath(QStringLiteral("missing.png")).toStdString());
+  EXPECT_NE(player_->log_text().find("Warning: Unable to show the picture"), std::string::npos);
+}
+
 // The demo game from its first room to the beacon, typed into the command box, with the choice
 // answered in its dialog.
 TEST_F(GameWindowTest, TheDemoGameIsWonByTypingItsWalkthrough) {
-  std::ifstream transcript(std::string(TARVE_SOURCE_DIR) + "/tests/transcripts/demo/walkthrough.tt");
+  std::ifstream transcript(std::string(TARVE_SOURCE_DIR) +
+                           "/tests/transcripts/demo/walkthrough.tt");
   ASSERT_TRUE(transcript.is_open());
   std::vector<std::string> lines;
   for (std::string line; std::getline(transcript, line);) lines.push_back(line);

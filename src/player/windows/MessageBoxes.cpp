@@ -67,9 +67,7 @@ int ShowPlatformMessage(QWidget* parent, const std::string& text, const std::str
       return kAnswerNo;
     default:
       // Closed some other way: the box's way out.
-      return buttons == kYesNo      ? kAnswerNo
-             : buttons == kOkCancel ? kAnswerCancel
-                                                 : kAnswerOk;
+      return buttons == kYesNo ? kAnswerNo : buttons == kOkCancel ? kAnswerCancel : kAnswerOk;
   }
 }
 

@@ -28,9 +28,10 @@ int ButtonsOf(int style);
 
 }  // namespace message_box
 
-// Shows `text` in a modal message box titled `title` and returns the answer (a MessageAnswer). With `special_msg_box` the program's own window frmDunMsgBox is used, otherwise the
-// platform's box (QMessageBox); closing either without a button gives Cancel or No when the box
-// has such a button, else OK.
+// Shows `text` in a modal message box titled `title` and returns the answer (a MessageAnswer). With
+// `special_msg_box` the program's own window frmDunMsgBox is used, otherwise the platform's box
+// (QMessageBox); closing either without a button gives Cancel or No when the box has such a button,
+// else OK.
 int ShowMessage(QWidget* parent, const std::string& text, const std::string& title, int style,
                 bool special_msg_box);
 

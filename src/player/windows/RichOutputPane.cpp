@@ -157,12 +157,14 @@ void RichOutputPane::SetZoom(int steps) {
   QTextDocument* doc = document();
   for (QTextBlock block = doc->begin(); block.isValid(); block = block.next()) {
     const QVariant paragraph_size = block.charFormat().property(kGameSizeProperty);
-    if (paragraph_size.isValid()) paragraphs.emplace_back(block.position(), paragraph_size.toDouble());
+    if (paragraph_size.isValid())
+      paragraphs.emplace_back(block.position(), paragraph_size.toDouble());
     for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) {
       const QTextFragment fragment = it.fragment();
       if (!fragment.isValid()) continue;
       const QVariant size = fragment.charFormat().property(kGameSizeProperty);
-      if (size.isValid()) pieces.push_back({fragment.position(), fragment.length(), size.toDouble()});
+      if (size.isValid())
+        pieces.push_back({fragment.position(), fragment.length(), size.toDouble()});
     }
   }
   QTextCursor cursor(doc);

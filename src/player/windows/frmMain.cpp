@@ -62,8 +62,7 @@ constexpr std::array<DirectionButton, 10> kDirectionButtons = {{
 
 // The action buttons by index, as the player reads them; the underlined letters are the Alt
 // keys that press them.
-constexpr std::array<const char*, 4> kActionCaptions = {"Go t&o", "&Look at", "S&peak to",
-                                                        "T&ake"};
+constexpr std::array<const char*, 4> kActionCaptions = {"Go t&o", "&Look at", "S&peak to", "T&ake"};
 
 constexpr int kThingTypeRole = Qt::UserRole + 1;
 
@@ -337,7 +336,8 @@ void frmMain::BuildMenus() {
   });
   mnu_view_log_->setCheckable(true);
   view->addSeparator();
-  mnu_zoom_in_ = view->addAction(tr("Zoom &in"), this, [this] { SetZoom(txt_output_->zoom() + 1); });
+  mnu_zoom_in_ =
+      view->addAction(tr("Zoom &in"), this, [this] { SetZoom(txt_output_->zoom() + 1); });
   // Ctrl and "=" too: on many keyboards "+" is Shift and "=".
   mnu_zoom_in_->setShortcuts(
       {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)});
@@ -440,7 +440,8 @@ void frmMain::SetCollectables(const std::vector<std::string>& lines) {
     const QString shown = QString::fromStdString(lines[i]);
     const int row = static_cast<int>(i);
     if (row < lst_collectables_->count()) {
-      if (lst_collectables_->item(row)->text() != shown) lst_collectables_->item(row)->setText(shown);
+      if (lst_collectables_->item(row)->text() != shown)
+        lst_collectables_->item(row)->setText(shown);
     } else {
       lst_collectables_->addItem(shown);
     }
@@ -673,8 +674,9 @@ void frmMain::SpeakAdded(const QString& text) {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
-  // Without a game there is nothing to leave; with one, the player is asked first.
-  if (player_ == nullptr || !player_->game_open() || player_->RequestClose()) {
+  // Without a game there is nothing to leave; with one, the player is asked first (a game whose
+  // start scripts are still running counts: they may be waiting for the player).
+  if (player_ == nullptr || !game_shown_ || player_->RequestClose()) {
     event->accept();
   } else {
     event->ignore();
@@ -713,14 +715,12 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event) {
     auto* key = static_cast<QKeyEvent*>(event);
     switch (key->key()) {
       case Qt::Key_F11:
-        txt_command_->setText(
-            QString::fromStdString(player_ != nullptr ? player_->CommandBoxText(CommandBoxKey::kF11)
-                                                      : std::string()));
+        txt_command_->setText(QString::fromStdString(
+            player_ != nullptr ? player_->CommandBoxText(CommandBoxKey::kF11) : std::string()));
         return true;
       case Qt::Key_F12:
-        txt_command_->setText(
-            QString::fromStdString(player_ != nullptr ? player_->CommandBoxText(CommandBoxKey::kF12)
-                                                      : std::string()));
+        txt_command_->setText(QString::fromStdString(
+            player_ != nullptr ? player_->CommandBoxText(CommandBoxKey::kF12) : std::string()));
         txt_command_->end(false);
         return true;
       case Qt::Key_Up:

@@ -75,6 +75,7 @@ class frmMain : public QMainWindow {
   void GameOpened();
   // The player left the game: nothing in the window plays any more.
   void GameClosed();
+  bool game_shown() const { return game_shown_; }
 
   // The controls, by the names the player's windows have always used.
   RichOutputPane* txtOutput() const { return txt_output_; }
