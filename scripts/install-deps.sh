@@ -6,6 +6,7 @@ packages=(
   cmake ninja-build g++ pkg-config
   libutf8proc-dev
   qt6-base-dev
+  qt6-multimedia-dev
   googletest libgtest-dev
   libbenchmark-dev
   clang libclang-rt-14-dev
