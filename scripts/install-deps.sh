@@ -6,6 +6,8 @@ packages=(
   cmake ninja-build g++ pkg-config
   libutf8proc-dev
   qt6-base-dev
+  qt6-multimedia-dev
+  libfluidsynth-dev timgm6mb-soundfont
   googletest libgtest-dev
   libbenchmark-dev
   clang libclang-rt-14-dev
