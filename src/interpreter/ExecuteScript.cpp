@@ -106,7 +106,12 @@ void Msg(Game& game, const Statement& s) {
 
 void MovePlayerTo(Game& game, const std::string& room) {
   const BlockRange block = FindBlockByName(game, "room", room);
-  if (!block.Found()) return;
+  if (!block.Found()) {
+    // The player stays where they are; the author learns of the misspelt room.
+    LogScriptError(game, "Error: There is no room '" + room + "' - goto <" + room +
+                             "> was skipped.");
+    return;
+  }
   SetStringVariable(game, "tarve.currentroom", room);
   game.world.current_room = room;
   DescribeRoom(game, room);

@@ -325,11 +325,21 @@ bool TestExists(Game& game, std::string_view parameter, bool real) {
     report = EqualsNoCase(TrimView(parameter.substr(semicolon + 1)), "report");
   }
   reference = TrimView(reference);
+  // A bare name means the thing in the current room, "name @ room" the thing in that room.
+  const std::size_t at = reference.find('@');
+  const std::string_view name = TrimView(reference.substr(0, at));
+  const std::string_view room = at == std::string_view::npos
+                                    ? std::string_view(game.world.current_room)
+                                    : TrimView(reference.substr(at + 1));
   for (ThingKind kind : {ThingKind::kObject, ThingKind::kCharacter}) {
-    const std::vector<Thing*> things = SelectThings(game, kind, reference);
-    if (things.empty()) continue;
-    const Thing& thing = *things.front();
-    return thing.exists && (!real || thing.visible);
+    // Of several characters that fit, the first decides; of several objects, the last.
+    const Thing* deciding = nullptr;
+    for (const Thing* thing : ThingsNamed(game, kind, name)) {
+      if (!EqualsNoCase(thing->room, room)) continue;
+      deciding = thing;
+      if (kind == ThingKind::kCharacter) break;
+    }
+    if (deciding != nullptr) return deciding->exists && (!real || deciding->visible);
   }
   if (report) LogScriptError(game, "No such character/object '" + std::string(reference) + "'.");
   return false;
