@@ -1,15 +1,14 @@
 #include "player/windows/frmSelection.h"
 
 #include <QButtonGroup>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "player/windows/WindowPlacement.h"
 #include "player/windows/WindowText.h"
 
 namespace tarve {
@@ -87,13 +86,7 @@ void frmSelection::SetChoices(const std::string& prompt, const std::vector<std::
 int frmSelection::Run() {
   picked_ = -1;
   if (answers_ == 0) return -1;
-  const QScreen* where =
-      parentWidget() != nullptr ? parentWidget()->screen() : QGuiApplication::primaryScreen();
-  if (where != nullptr) {
-    QRect frame = rect();
-    frame.moveCenter(where->availableGeometry().center());
-    move(frame.topLeft());
-  }
+  CentreOnScreen(*this);
   opt_answers_[0]->setFocus();
   exec();
   return picked_;
