@@ -302,10 +302,9 @@ void ReadSynonyms(Game& game) {
     std::string_view words = line.substr(0, equals);
     while (true) {
       const std::size_t semicolon = words.find(';');
-      // An empty word would stand for the blanks between words and replace them all.
-      if (const std::string_view word = TrimView(words.substr(0, semicolon)); !word.empty()) {
-        game.parser.synonyms.push_back({std::string(word), replacement});
-      }
+      // An empty word (`; grab = take`) is a synonym too: padded with its two blanks it matches
+      // only two blanks in a row, never the single blank between words.
+      game.parser.synonyms.push_back({Trim(words.substr(0, semicolon)), replacement});
       if (semicolon == std::string_view::npos) break;
       words = words.substr(semicolon + 1);
     }
