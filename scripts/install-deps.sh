@@ -11,6 +11,7 @@ packages=(
   googletest libgtest-dev
   libbenchmark-dev
   clang libclang-rt-14-dev
+  desktop-file-utils appstream libxml2-utils shared-mime-info
 )
 
 missing=()
