@@ -144,7 +144,7 @@ bool AssociateFileType(const std::string& description, const std::string& extens
   if (!replaced) entries.append({type, body});
 
   bool ok = WriteAtomically(package, PackageText(entries));
-  ok = WriteAtomically(applications + QStringLiteral("/io.github.tarve.Tarve.desktop"),
+  ok = WriteAtomically(applications + QStringLiteral("/tarve.desktop"),
                        DesktopEntryText(entries)) &&
        ok;
   RunToolIfPresent(QStringLiteral("update-mime-database"), mime_folder);

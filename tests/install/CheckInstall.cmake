@@ -33,7 +33,7 @@ set(expected
   bin/tarve-cli
   bin/tarve-compile
   share/tarve/tarve.dat
-  share/applications/${APP_ID}.desktop
+  share/applications/tarve.desktop
   share/mime/packages/tarve.xml
   share/icons/hicolor/scalable/apps/${APP_ID}.svg
   share/metainfo/${APP_ID}.metainfo.xml)
@@ -62,7 +62,7 @@ function(validate file)
   endif()
   set(faults "${faults}" PARENT_SCOPE)
 endfunction()
-validate(share/applications/${APP_ID}.desktop ${DESKTOP_FILE_VALIDATE})
+validate(share/applications/tarve.desktop ${DESKTOP_FILE_VALIDATE})
 # --strict fails on anything above pedantic hints; --no-net keeps CI off the network.
 validate(share/metainfo/${APP_ID}.metainfo.xml ${APPSTREAMCLI} validate --no-net --strict)
 validate(share/mime/packages/tarve.xml ${XMLLINT} --noout)
@@ -87,8 +87,8 @@ foreach(pair "gwl=application/x-tarve-game" "cgw=application/x-tarve-compiled-ga
   if(NOT globs MATCHES "\n[0-9]+:${type}:\\*\\.${extension}\n")
     fault("*.${extension} is not ${type} in the installed MIME database:\n${globs}")
   endif()
-  if(NOT associations MATCHES "\n${type}=${APP_ID}\\.desktop;")
-    fault("${type} does not open with ${APP_ID}.desktop:\n${associations}")
+  if(NOT associations MATCHES "\n${type}=tarve\\.desktop;")
+    fault("${type} does not open with tarve.desktop:\n${associations}")
   endif()
 endforeach()
 

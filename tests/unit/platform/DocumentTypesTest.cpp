@@ -48,7 +48,7 @@ class DocumentTypesTest : public ::testing::Test {
   }
   std::string Package() { return ReadFile(dir.path() + "/data/mime/packages/tarve.xml"); }
   std::string DesktopEntry() {
-    return ReadFile(dir.path() + "/data/applications/io.github.tarve.Tarve.desktop");
+    return ReadFile(dir.path() + "/data/applications/tarve.desktop");
   }
 
   TempDir dir;
@@ -93,7 +93,7 @@ TEST_F(DocumentTypesTest, FirstStartWritesTheFilesThatAreInstalled) {
   AssociateFileType("Tarve Saved Game Data", ".tsg");
   EXPECT_EQ(Package(), ReadFile(std::string(TARVE_SOURCE_DATA) + "/tarve.xml"));
   EXPECT_EQ(DesktopEntry(),
-            ReadFile(std::string(TARVE_SOURCE_DATA) + "/io.github.tarve.Tarve.desktop"));
+            ReadFile(std::string(TARVE_SOURCE_DATA) + "/tarve.desktop"));
 }
 
 TEST_F(DocumentTypesTest, AssociatingAgainReplacesTheTypeAndEscapesItsText) {
