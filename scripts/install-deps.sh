@@ -6,6 +6,8 @@ packages=(
   cmake ninja-build g++ pkg-config
   libutf8proc-dev
   qt6-base-dev
+  qt6-multimedia-dev
+  libfluidsynth-dev timgm6mb-soundfont
   # Reading text aloud; Debian's Qt TextToSpeech package finds its CMake files only with
   # the declarative development files installed.
   qt6-speech-dev qt6-declarative-dev
@@ -14,6 +16,7 @@ packages=(
   googletest libgtest-dev
   libbenchmark-dev
   clang libclang-rt-14-dev
+  desktop-file-utils appstream libxml2-utils shared-mime-info
 )
 
 missing=()

@@ -53,7 +53,13 @@ std::string FolderOf(std::string_view path) {
 std::string FindDataFolder(const std::string& installed_folder) {
   std::error_code ec;
   const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-  if (!ec && fs::exists(exe.parent_path() / "tarve.dat", ec)) return exe.parent_path().string();
+  if (ec) return installed_folder;
+  const fs::path programs = exe.parent_path();
+  if (fs::exists(programs / "tarve.dat", ec)) return programs.string();
+  // An install keeps the programs in PREFIX/bin and their data in PREFIX/share/tarve, wherever
+  // it was put (`cmake --install --prefix`, a package unpacked elsewhere).
+  const fs::path beside = programs.parent_path() / "share" / "tarve";
+  if (fs::exists(beside / "tarve.dat", ec)) return beside.string();
   return installed_folder;
 }
 

@@ -18,7 +18,9 @@ std::string FindFileNoCase(const std::string& path);
 std::string FolderOf(std::string_view path);
 
 // The program's data folder (tarve.dat, libraries shared by games): the running executable's
-// own folder when it holds tarve.dat, as in a build tree, else `installed_folder`.
+// own folder when it holds tarve.dat, as in a build tree; else share/tarve beside the
+// executable's bin folder when it holds tarve.dat, as in an install into any prefix; else
+// `installed_folder`.
 std::string FindDataFolder(const std::string& installed_folder);
 
 // Reads a whole file. False when it cannot be opened or read, or is larger than `max_bytes`.

@@ -10,6 +10,11 @@ DesktopServices::DesktopServices(Options options) : SystemServices(options) {}
 
 DesktopServices::~DesktopServices() = default;
 
+void DesktopServices::Attach(Game& game) {
+  game_ = &game;
+  SetLog([&game](std::string_view message) { LogScriptError(game, message); });
+}
+
 void DesktopServices::ShowPicture(const std::string& path) {
   if (!picture_) picture_ = std::make_unique<frmPic>();
   if (!picture_->LoadPicture(path)) {

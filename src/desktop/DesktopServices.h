@@ -17,8 +17,8 @@ class DesktopServices : public SystemServices {
   explicit DesktopServices(Options options);
   ~DesktopServices() override;
 
-  // The game whose log notes a picture that cannot be shown.
-  void Attach(Game& game) { game_ = &game; }
+  // The game whose log notes a picture, a sound or music that cannot be played.
+  void Attach(Game& game);
 
   // Opens the picture window (one, reused) sized to the picture.
   void ShowPicture(const std::string& path) override;

@@ -106,7 +106,12 @@ void Msg(Game& game, const Statement& s) {
 
 void MovePlayerTo(Game& game, const std::string& room) {
   const BlockRange block = FindBlockByName(game, "room", room);
-  if (!block.Found()) return;
+  if (!block.Found()) {
+    // The player stays where they are; the author learns of the misspelt room.
+    LogScriptError(game, "Error: There is no room '" + room + "' - goto <" + room +
+                             "> was skipped.");
+    return;
+  }
   SetStringVariable(game, "tarve.currentroom", room);
   game.world.current_room = room;
   DescribeRoom(game, room);
@@ -181,7 +186,8 @@ void SetVar(Game& game, const Statement& s) {
 }
 
 // for <variable; from; to> script and for <variable; from; to; step> script. The script may
-// change the variable, which moves the loop on or back.
+// change the variable, which moves the loop on or back; with a step of 0 only the script moves
+// it, and the round limit ends a loop that it never ends.
 void For(Game& game, const Statement& s) {
   const std::optional<std::string> parameter = Parameter(game, s);
   if (!parameter) return;
@@ -210,17 +216,11 @@ void For(Game& game, const Statement& s) {
                              "skipped.");
     return;
   }
-  if (*step == 0) {
-    LogScriptError(
-        game, "Error: Step 0 in for <" + *parameter + "> would never end - the loop was skipped.");
-    return;
-  }
-
   NestedScript nested(game);
   if (!nested.entered()) return;
   int i = *from;
   long rounds = 0;
-  while (*step > 0 ? i <= *to : i >= *to) {
+  while (*step < 0 ? i >= *to : i <= *to) {
     SetNumericVariable(game, name, static_cast<int16_t>(i));
     ExecuteScript(game, script);
     if (nested.MustStop()) return;

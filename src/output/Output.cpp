@@ -45,6 +45,26 @@ void ApplyEffect(Game& game, Change change) {
   if (!game.settings.override_effects) change(game.host.pane);
 }
 
+// The size a "|s" code gives, read from the two characters after the "s": blanks are skipped,
+// digits and one decimal point are read, and any other character ends the number. A sign is
+// such a character, so "|s-5" and "|s+5" read no digits and give 0, the default size.
+float FontSizeOfCode(std::string_view chars) {
+  std::string number;
+  bool point = false;
+  for (const char c : chars) {
+    if (c == ' ') continue;
+    if (c >= '0' && c <= '9') {
+      number.push_back(c);
+    } else if (c == '.' && !point) {
+      point = true;
+      number.push_back(c);
+    } else {
+      break;
+    }
+  }
+  return static_cast<float>(Val(number));
+}
+
 // Acts on the code that starts at `code` (the text just after a bar) and returns how many
 // characters the code takes, bar included. The codes are tested in a fixed order against the
 // first one or two characters; the first that matches wins.
@@ -111,10 +131,10 @@ std::size_t ApplyCode(Game& game, std::string_view code) {
       WriteOutputFileUnflushed(game, kLineEnd);
       return 2;
     case 's': {
-      // The two characters after the "s" are the size, read leniently: "|s1Big" is size 1
-      // followed by "ig", and "|s00" returns to the default size.
-      const std::string_view digits = code.substr(1, ByteOffsetOfChar(code.substr(1), 2));
-      SetOutputFontSize(game, static_cast<float>(Val(digits)));
+      // The code always takes two characters as its size: "|s1Big" is size 1 followed by
+      // "ig", and "|s00" returns to the default size.
+      const std::string_view chars = code.substr(1, ByteOffsetOfChar(code.substr(1), 2));
+      SetOutputFontSize(game, FontSizeOfCode(chars));
       return 4;
     }
     case 'j':
@@ -185,7 +205,7 @@ void SetOutputFont(Game& game, std::string_view name) {
 void SetOutputFontSize(Game& game, float size) {
   if (game.settings.override_all_fonts) size = 0;
   if (size == 0) size = game.output.current_default_font_size;
-  // No pane can show text at a negative size ("|s-5"): the size stays as it was.
+  // A default size below 0 (a hand-edited setting) cannot be shown: the size stays as it was.
   if (size < 0) return;
   game.host.pane.SetFontSize(size);
 }

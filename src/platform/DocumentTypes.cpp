@@ -68,6 +68,8 @@ QByteArray PackageText(const QList<MimeEntry>& entries) {
   return text.toUtf8();
 }
 
+// The entry has the name of the one installed with the program (data/), so that it takes the
+// installed entry's place instead of listing Tarve twice, and says the same.
 QByteArray DesktopEntryText(const QList<MimeEntry>& entries) {
   QString types;
   for (const MimeEntry& entry : entries) types += entry.type + QLatin1Char(';');
@@ -78,9 +80,10 @@ QByteArray DesktopEntryText(const QList<MimeEntry>& entries) {
              "GenericName=Text adventure player\n"
              "Comment=Play GWL text adventures\n"
              "Exec=tarve %f\n"
-             "Icon=tarve\n"
+             "Icon=io.github.tarve.Tarve\n"
              "Terminal=false\n"
              "Categories=Game;AdventureGame;\n"
+             "Keywords=interactive fiction;text adventure;adventure;game;\n"
              "MimeType=")
              .toUtf8() +
          types.toUtf8() + "\n";
@@ -121,10 +124,14 @@ bool AssociateFileType(const std::string& description, const std::string& extens
   const QString type = QString::fromStdString(MimeTypeOfExtension(extension));
   QString glob = QString::fromStdString(extension).toLower();
   if (!glob.startsWith(QLatin1Char('.'))) glob.prepend(QLatin1Char('.'));
-  const QString body = QStringLiteral("\n    <comment>") +
-                       XmlEscaped(QString::fromStdString(description)) +
-                       QStringLiteral("</comment>\n    <glob pattern=\"*") + XmlEscaped(glob) +
-                       QStringLiteral("\"/>\n  ");
+  // Games are text that their authors edit: text editors are offered for them too.
+  const QString parent = glob == QLatin1String(".gwl")
+                             ? QStringLiteral("\n    <sub-class-of type=\"text/plain\"/>")
+                             : QString();
+  const QString body =
+      QStringLiteral("\n    <comment>") + XmlEscaped(QString::fromStdString(description)) +
+      QStringLiteral("</comment>") + parent + QStringLiteral("\n    <glob pattern=\"*") +
+      XmlEscaped(glob) + QStringLiteral("\"/>\n  ");
 
   QList<MimeEntry> entries = ReadPackage(package);
   bool replaced = false;
@@ -137,9 +144,9 @@ bool AssociateFileType(const std::string& description, const std::string& extens
   if (!replaced) entries.append({type, body});
 
   bool ok = WriteAtomically(package, PackageText(entries));
-  ok =
-      WriteAtomically(applications + QStringLiteral("/tarve.desktop"), DesktopEntryText(entries)) &&
-      ok;
+  ok = WriteAtomically(applications + QStringLiteral("/tarve.desktop"),
+                       DesktopEntryText(entries)) &&
+       ok;
   RunToolIfPresent(QStringLiteral("update-mime-database"), mime_folder);
   RunToolIfPresent(QStringLiteral("update-desktop-database"), applications);
   return ok;

@@ -8,6 +8,9 @@
 #include <filesystem>
 #include <thread>
 
+#include "platform/MidiPlayer.h"
+#include "platform/WavePlayer.h"
+
 namespace tarve {
 
 namespace {
@@ -20,6 +23,33 @@ bool HasDesktop() {
 }
 
 }  // namespace
+
+SystemServices::SystemServices(Options options) : options_(options) {}
+
+SystemServices::~SystemServices() = default;
+
+void SystemServices::Log(std::string_view message) {
+  if (log_) log_(message);
+}
+
+void SystemServices::PlayWave(const std::string& path, bool sync) {
+  if (!wave_) wave_ = std::make_unique<WavePlayer>([this](std::string_view m) { Log(m); });
+  wave_->Play(path, sync);
+}
+
+void SystemServices::PlayMidi(const std::string& path) {
+  if (!midi_) midi_ = std::make_unique<MidiPlayer>([this](std::string_view m) { Log(m); });
+  midi_->Play(path);
+}
+
+void SystemServices::StopMidi() {
+  if (midi_) midi_->Stop();
+}
+
+void SystemServices::StopSounds() {
+  StopMidi();
+  if (wave_) wave_->Stop();
+}
 
 PlatformServices::OpenResult SystemServices::OpenDocument(const std::string& path, bool minimised) {
   // The desktop decides how a document opens; asking for it minimised cannot be passed on.

@@ -47,14 +47,6 @@ constexpr std::string_view kStringsMarker = "!s";
 constexpr std::string_view kNumericsMarker = "!n";
 constexpr std::string_view kEndMarker = "!e";
 
-bool IsMarker(std::string_view text) {
-  for (std::string_view marker : {kCollectablesMarker, kItemsMarker, kObjectsMarker,
-                                  kCharactersMarker, kStringsMarker, kNumericsMarker, kEndMarker}) {
-    if (text == marker) return true;
-  }
-  return false;
-}
-
 const char* YesNo(bool value) { return value ? "Yes" : "No"; }
 
 // ---------------------------------------------------------------------------------------------
@@ -83,10 +75,11 @@ std::string FullGamePath(const std::string& game_file) {
 // Reading
 
 // The two ways the file is read. Lines 1 to 5 and the sections of collectables, items, objects
-// and characters are read one comma-separated field at a time: leading blanks are skipped, a
-// field in double quotes loses its quotes, and a comma ends a field wherever it stands, so a name
-// holding a comma is split and the rest of its line read as the next record. The two variable
-// sections are read as whole lines, so their values keep commas and quotes.
+// and characters are read one comma-separated field at a time: leading blanks are skipped (those
+// after the field are kept), a field in double quotes loses its quotes, and a comma ends a field
+// wherever it stands, so a name holding a comma is split and the rest of its line read as the
+// next record. The two variable sections are read as whole lines, so their values keep commas
+// and quotes.
 class SavedGameReader {
  public:
   explicit SavedGameReader(const std::vector<std::string>& lines) : lines_(lines) {}
@@ -99,7 +92,7 @@ class SavedGameReader {
     }
     const std::string& line = lines_[line_];
     std::size_t at = column_;
-    while (at < line.size() && (line[at] == ' ' || line[at] == '\t')) ++at;
+    while (at < line.size() && line[at] == ' ') ++at;
     std::string field;
     std::size_t end;
     if (at < line.size() && line[at] == '"') {
@@ -116,7 +109,7 @@ class SavedGameReader {
     } else {
       end = line.find(',', at);
       if (end == std::string::npos) end = line.size();
-      field = std::string(TrimRightView(std::string_view(line).substr(at, end - at)));
+      field = line.substr(at, end - at);
     }
     // A comma that ends its line ends the field; the next field starts on the next line.
     if (end + 1 < line.size()) {
@@ -184,7 +177,8 @@ int16_t WholeNumber(std::string_view text) {
   return value < 0 ? INT16_MIN : INT16_MAX;
 }
 
-bool IsYes(std::string_view flag) { return LCase(TrimView(flag)) == "yes"; }
+// Only "yes" in any letter case is true: " Yes" and "Yes " are not.
+bool IsYes(std::string_view flag) { return LCase(flag) == "yes"; }
 
 class SavedGameParser {
  public:
@@ -228,21 +222,16 @@ class SavedGameParser {
   }
 
  private:
-  // A marker that belongs to another section means the sections are out of order or one is
-  // missing. The collectables section tolerates its own marker: a room name holding a comma
-  // shifts the fields of the first lines by one, and the marker then arrives as a record.
-  bool MisplacedMarker(std::string_view text, std::string_view until) const {
-    if (text == kCollectablesMarker && until == kItemsMarker) return false;
-    return IsMarker(text) && text != until;
-  }
-
+  // A section runs to its own closing marker. Any other marker met on the way is a record
+  // without its ";" like any other, skipped on its own: a string value holding a line break
+  // followed by "!e" makes one, and a room name holding a comma shifts "!c" into the
+  // collectables.
   template <typename ReadRecord>
   bool ReadFieldSection(std::string_view until, std::string& problem, ReadRecord read) {
     for (;;) {
       std::optional<std::string> field = reader_.NextField();
       if (!field) return Ends(until, problem);
       if (*field == until) return true;
-      if (MisplacedMarker(*field, until)) return Misplaced(*field, problem);
       if (!read(*field)) data_.skipped_lines.push_back(reader_.LineNumber());
     }
   }
@@ -253,19 +242,12 @@ class SavedGameParser {
       std::optional<std::string> line = reader_.NextLine();
       if (!line) return Ends(until, problem);
       if (*line == until) return true;
-      if (MisplacedMarker(*line, until)) return Misplaced(*line, problem);
       if (!read(*line)) data_.skipped_lines.push_back(reader_.LineNumber());
     }
   }
 
   static bool Ends(std::string_view until, std::string& problem) {
     problem = "it ends before its \"" + std::string(until) + "\" line";
-    return false;
-  }
-
-  bool Misplaced(std::string_view marker, std::string& problem) const {
-    problem = "its \"" + std::string(marker) + "\" line (line " +
-              std::to_string(reader_.LineNumber()) + ") is out of place";
     return false;
   }
 

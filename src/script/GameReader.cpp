@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 
 #include "base/Files.h"
 #include "base/Text.h"
@@ -156,9 +157,79 @@ IncludeResult IncludeLibrary(Game& game, int line_number, bool game_path_is_prog
                                                  : IncludeResult::kTooManyLines;
 }
 
-std::size_t CountOf(std::string_view text, char c) {
-  return static_cast<std::size_t>(std::count(text.begin(), text.end(), c));
+// How much a text raises the depth of brace blocks: its "{" less its "}".
+long BraceBalance(std::string_view text) {
+  return static_cast<long>(std::count(text.begin(), text.end(), '{')) -
+         static_cast<long>(std::count(text.begin(), text.end(), '}'));
 }
+
+// The brace balance of every line, in a tree of sums and least running sums, so that the line
+// that closes a brace block is found without walking every line after the brace: a brace left
+// open would otherwise walk the rest of the game once for every block.
+class BraceBalances {
+ public:
+  explicit BraceBalances(const GameText& text) {
+    while (leaves_ <= static_cast<std::size_t>(kMaxGameLines)) leaves_ *= 2;
+    sum_.assign(2 * leaves_, 0);
+    least_.assign(2 * leaves_, 0);
+    for (int i = 1; i <= text.LineCount(); ++i) {
+      const std::size_t leaf = leaves_ + static_cast<std::size_t>(i);
+      sum_[leaf] = least_[leaf] = BraceBalance(text.Line(i));
+    }
+    for (std::size_t n = leaves_ - 1; n >= 1; --n) Combine(n);
+  }
+
+  // Line `line` now reads `text`.
+  void Update(int line, std::string_view text) {
+    std::size_t n = leaves_ + static_cast<std::size_t>(line);
+    sum_[n] = least_[n] = BraceBalance(text);
+    for (n /= 2; n >= 1; n /= 2) Combine(n);
+  }
+
+  // The first line from `from` on after which `depth`, changed by every line in turn, is no
+  // longer above 0; 0 when no line up to the last one brings it there.
+  int Closing(int from, long depth) const {
+    // The nodes that cover the lines from `from` to the end, left to right.
+    std::vector<std::size_t> nodes;
+    std::vector<std::size_t> right;
+    std::size_t l = leaves_ + static_cast<std::size_t>(from);
+    std::size_t r = 2 * leaves_;
+    while (l < r) {
+      if (l & 1) nodes.push_back(l++);
+      if (r & 1) right.push_back(--r);
+      l /= 2;
+      r /= 2;
+    }
+    nodes.insert(nodes.end(), right.rbegin(), right.rend());
+    for (std::size_t n : nodes) {
+      if (depth + least_[n] > 0) {
+        depth += sum_[n];
+        continue;
+      }
+      while (n < leaves_) {
+        const std::size_t left = 2 * n;
+        if (depth + least_[left] <= 0) {
+          n = left;
+        } else {
+          depth += sum_[left];
+          n = left + 1;
+        }
+      }
+      return static_cast<int>(n - leaves_);
+    }
+    return 0;
+  }
+
+ private:
+  void Combine(std::size_t n) {
+    sum_[n] = sum_[2 * n] + sum_[2 * n + 1];
+    least_[n] = std::min(least_[2 * n], sum_[2 * n] + least_[2 * n + 1]);
+  }
+
+  std::size_t leaves_ = 1;  // a power of two above the highest line number
+  std::vector<long> sum_;
+  std::vector<long> least_;
+};
 
 }  // namespace
 
@@ -174,6 +245,7 @@ bool ReadTextFileLines(const std::string& path, std::vector<std::string>& lines)
 
 bool RewriteBraces(Game& game) {
   GameText& text = game.text;
+  std::optional<BraceBalances> balances;  // made at the first brace
   // The loop also reaches the procedures it makes, so braces nested inside a brace block become
   // procedures of their own.
   for (int b = 1; b <= text.BlockCount(); ++b) {
@@ -183,21 +255,22 @@ bool RewriteBraces(Game& game) {
     for (int i = start + 1; i < end; ++i) {
       const std::size_t brace = text.Line(i).find('{');
       if (brace == std::string::npos) continue;
+      if (!balances) balances.emplace(text);
       const std::string line = text.Line(i);  // the line is rewritten below
 
       const std::string name = "<!intproc" + std::to_string(game.intproc_counter++) + ">";
       std::vector<std::string> body;
       const std::string_view after = std::string_view(line).substr(brace + 1);
       if (!TrimView(after).empty()) body.emplace_back(TrimView(after));
-      long depth =
-          1 + static_cast<long>(CountOf(after, '{')) - static_cast<long>(CountOf(after, '}'));
-      int k = i + 1;
-      // The block is taken up to the line that balances the braces, and never past the end of
-      // the block that holds it.
-      for (; depth > 0 && k < end; ++k) {
+      const long depth = 1 + BraceBalance(after);
+      // The block takes the following lines up to the one that brings the depth to 0, even when
+      // that line stands after the end define of the block that holds it. A brace that no line
+      // up to the last one closes ends with its block instead.
+      const int closing = depth > 0 ? balances->Closing(i + 1, depth) : i;
+      const int last_taken = closing == 0 ? end - 1 : closing;
+      for (int k = i + 1; k <= last_taken; ++k) {
         std::string& taken = text.lines[static_cast<std::size_t>(k)];
-        depth += static_cast<long>(CountOf(taken, '{')) - static_cast<long>(CountOf(taken, '}'));
-        if (depth > 0) {
+        if (k != closing) {
           body.push_back(taken);
         } else {
           const std::size_t last = taken.rfind('}');
@@ -205,22 +278,25 @@ bool RewriteBraces(Game& game) {
           if (!before.empty()) body.emplace_back(before);
         }
         taken.clear();
+        balances->Update(k, taken);
       }
-      if (depth > 0) {
+      if (closing == 0) {
         LogScriptError(game, "Warning: Missing } for the { in '" + Trim(line) +
                                  "'; the block ends with its 'end define'.");
       }
       text.lines[static_cast<std::size_t>(i)] =
           Trim(std::string_view(line).substr(0, brace)) + " do " + name;
+      balances->Update(i, text.Line(i));
 
       const int proc_start = text.LineCount() + 1;
       if (!AddLine(text, "define procedure " + name)) return false;
       for (std::string& body_line : body) {
         if (!AddLine(text, std::move(body_line))) return false;
+        balances->Update(text.LineCount(), text.Line(text.LineCount()));
       }
       if (!AddLine(text, "end define")) return false;
       AddBlock(text, proc_start, text.LineCount());
-      i = k - 1;
+      i = last_taken;
     }
   }
   return true;
@@ -253,13 +329,13 @@ void JoinContinuations(Game& game) {
     const int start = text.blocks[static_cast<std::size_t>(b)].start;
     const int end = text.blocks[static_cast<std::size_t>(b)].end;
     // A line ending in "__" takes the next line, without its leading blanks, in place of those
-    // two characters. Joining from the last line of a chain upwards gives the first line the
-    // whole chain; the same result is built here in one forward pass. The block's last inner
-    // line has no next line to take (its "end define" is never joined).
-    for (int i = start + 1; i < end - 1; ++i) {
+    // two characters, and that line is emptied; the block's last inner line takes its "end
+    // define" line so (the block keeps its range). Joining from the last line of a chain upwards
+    // gives the first line the whole chain; the same result is built here in one forward pass.
+    for (int i = start + 1; i < end; ++i) {
       if (!EndsWith(text.Line(i), "__")) continue;
       int last = i + 1;
-      while (last < end - 1 && EndsWith(text.Line(last), "__")) ++last;
+      while (last < end && EndsWith(text.Line(last), "__")) ++last;
       std::string& first = text.lines[static_cast<std::size_t>(i)];
       first.resize(first.size() - 2);
       for (int k = i + 1; k <= last; ++k) {

@@ -2,6 +2,8 @@
 // games, and for the transcript tests.
 #include <unistd.h>
 
+#include <QCoreApplication>
+#include <QtGlobal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -12,6 +14,7 @@
 #include <vector>
 
 #include "base/Files.h"
+#include "game/ScriptLog.h"
 #include "platform/QtSettingsStore.h"
 #include "platform/SystemServices.h"
 #include "player/OpenGame.h"
@@ -75,6 +78,7 @@ int Run(const std::vector<std::string>& args) {
                     ? std::make_unique<QtSettingsStore>()
                     : std::make_unique<QtSettingsStore>(options->settings_dir));
   host.Attach(player);
+  services.SetLog([&player](std::string_view message) { LogScriptError(player.game(), message); });
   Player::StartOptions start;
   if (options->seed) start.seed = static_cast<std::uint32_t>(*options->seed);
   start.program_folder = FindDataFolder(TARVE_INSTALLED_DATA_DIR);
@@ -113,6 +117,11 @@ int Run(const std::vector<std::string>& args) {
 }  // namespace tarve
 
 int main(int argc, char** argv) {
+  // Qt's own diagnostics (an audio system that cannot be reached) would land among the game's
+  // lines; what matters to the player reaches the script log instead.
+  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+  // The event loop a wave sound plays in.
+  QCoreApplication application(argc, argv);
   std::vector<std::string> args(argv + 1, argv + argc);
   return tarve::Run(args);
 }

@@ -83,23 +83,6 @@ bool FindPiece(std::string_view command, std::string_view piece, std::size_t fro
   return true;
 }
 
-// Whether a room exit or place names a room the game defines. An exit to a missing room would
-// leave the player in a room without a description or a way out.
-bool RoomExists(Game& game, std::string_view room) {
-  return FindBlockByName(game, "room", room).Found();
-}
-
-void EnterExistingRoom(Game& game, std::string_view room, std::string_view exit_line) {
-  if (!RoomExists(game, room)) {
-    LogScriptError(game, "Error: The exit '" + Trim(exit_line) + "' of room '" +
-                             game.world.current_room + "' leads to the room '" + std::string(room) +
-                             "', which does not exist.");
-    PrintPlayerMessage(game, kBadPlace);
-    return;
-  }
-  EnterRoom(game, room);
-}
-
 BlockRange CurrentRoomBlock(Game& game) {
   return FindBlockByName(game, "room", game.world.current_room);
 }
@@ -319,10 +302,9 @@ void ReadSynonyms(Game& game) {
     std::string_view words = line.substr(0, equals);
     while (true) {
       const std::size_t semicolon = words.find(';');
-      // An empty word would stand for the blanks between words and replace them all.
-      if (const std::string_view word = TrimView(words.substr(0, semicolon)); !word.empty()) {
-        game.parser.synonyms.push_back({std::string(word), replacement});
-      }
+      // An empty word (`; grab = take`) is a synonym too: padded with its two blanks it matches
+      // only two blanks in a row, never the single blank between words.
+      game.parser.synonyms.push_back({Trim(words.substr(0, semicolon)), replacement});
       if (semicolon == std::string_view::npos) break;
       words = words.substr(semicolon + 1);
     }
@@ -515,15 +497,18 @@ void GoInDirection(Game& game, std::string_view direction) {
       const std::size_t close = rest.find('>');
       script = close == std::string_view::npos ? rest : TrimView(rest.substr(close + 1));
     } else if (rest.empty() || rest.front() != '<') {
-      script = rest;
+      // Anything but a room is a script, run as it is: "north" alone runs nothing.
+      ExecuteScript(game, rest);
+      return;
     }
     if (!script.empty()) {
       ExecuteScript(game, script);
       return;
     }
+    // A room the game never defines is entered all the same, described by its name alone.
     std::string target;
-    if (!SubstitutedParameter(game, line, target)) break;  // a bare word: no way out here
-    EnterExistingRoom(game, target, line);
+    if (!SubstitutedParameter(game, line, target)) break;  // "out" alone: no way out here
+    EnterRoom(game, target);
     return;
   }
   PrintPlayerMessage(game, out ? kDefaultOut : kBadPlace);
@@ -540,7 +525,7 @@ void GoToPlace(Game& game, std::string_view place) {
     ExecuteScript(game, TrimView(std::string_view(found).substr(semicolon + 1)));
     return;
   }
-  EnterExistingRoom(game, found, "place <" + found + ">");
+  EnterRoom(game, found);
 }
 
 std::string FindPlace(Game& game, std::string_view place) {

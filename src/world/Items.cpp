@@ -150,7 +150,11 @@ void SetUpStartItems(Game& game) {
 void SetUpCollectables(Game& game) {
   std::vector<Collectable>& collectables = game.inventory.collectables;
   collectables.clear();
+  // Only the first collectables line counts; a later one is ignored.
+  bool read = false;
   ForEachGameLine(game, {"collectables "}, [&](const std::string& line) {
+    if (read) return;
+    read = true;
     const std::string list = RetrieveParameter(game, line, true);
     for (std::string_view entry : SplitCollectableEntries(list)) {
       collectables.push_back(ParseCollectable(entry));

@@ -178,9 +178,10 @@ void LookVerb(Game& game, std::string_view command) {
     PrintPlayerMessage(game, kBadLook);
     return;
   }
+  // "look at" with nothing after it names no thing here.
   const std::string_view name = DropLeadingThe(TrimView(command.substr(at + 2)));
   if (name.empty()) {
-    PrintPlayerMessage(game, kBadLook);
+    PrintPlayerMessage(game, kBadThing);
     return;
   }
   // The object's look line wins over the character's; a thing that is here without one

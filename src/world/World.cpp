@@ -32,8 +32,11 @@ void RebuildIndex(ThingIndex& index, const std::vector<Thing>& things) {
 
 // The lines of a thing's block up to its end define: a hidden or invisible line, startin (only
 // for a thing outside every room), prefix and suffix. Other lines are tag lines, read on demand.
-// Returns the line of the end define (or the last line of the game when there is none).
-int ReadThingBlock(Game& game, int define_line, int limit, std::string_view room, ThingKind kind) {
+// The block ends at the first line that, trimmed, is "end define", wherever it stands: a block
+// whose own end define was joined to a continued line runs on to the next one. Returns the line
+// of the end define (or the last line of the game when there is none).
+int ReadThingBlock(Game& game, int define_line, std::string_view room, ThingKind kind) {
+  const int limit = game.text.LineCount();
   Thing thing;
   std::string_view name;
   if (CutParameter(game.text.Line(define_line), name)) thing.name = std::string(name);
@@ -115,7 +118,7 @@ void BuildWorldTables(Game& game) {
     const std::string& define_line = text.Line(block.start);
     ThingKind kind;
     if (OpensThing(define_line, kind)) {
-      ReadThingBlock(game, block.start, last, kUnknownRoom, kind);
+      ReadThingBlock(game, block.start, kUnknownRoom, kind);
       continue;
     }
     if (!BeginsWith(define_line, "define room ")) continue;
@@ -125,7 +128,7 @@ void BuildWorldTables(Game& game) {
     for (int i = block.start + 1; i < last; ++i) {
       const std::string& line = text.Line(i);
       if (OpensThing(line, kind)) {
-        i = ReadThingBlock(game, i, last - 1, room, kind);
+        i = ReadThingBlock(game, i, room, kind);
       } else if (BeginsWith(line, "define ")) {
         // Some other block inside the room (a text, say): its lines are not the room's things.
         while (i < last && !IsEndDefine(text.Line(i))) ++i;
@@ -325,11 +328,21 @@ bool TestExists(Game& game, std::string_view parameter, bool real) {
     report = EqualsNoCase(TrimView(parameter.substr(semicolon + 1)), "report");
   }
   reference = TrimView(reference);
+  // A bare name means the thing in the current room, "name @ room" the thing in that room.
+  const std::size_t at = reference.find('@');
+  const std::string_view name = TrimView(reference.substr(0, at));
+  const std::string_view room = at == std::string_view::npos
+                                    ? std::string_view(game.world.current_room)
+                                    : TrimView(reference.substr(at + 1));
   for (ThingKind kind : {ThingKind::kObject, ThingKind::kCharacter}) {
-    const std::vector<Thing*> things = SelectThings(game, kind, reference);
-    if (things.empty()) continue;
-    const Thing& thing = *things.front();
-    return thing.exists && (!real || thing.visible);
+    // Of several characters that fit, the first decides; of several objects, the last.
+    const Thing* deciding = nullptr;
+    for (const Thing* thing : ThingsNamed(game, kind, name)) {
+      if (!EqualsNoCase(thing->room, room)) continue;
+      deciding = thing;
+      if (kind == ThingKind::kCharacter) break;
+    }
+    if (deciding != nullptr) return deciding->exists && (!real || deciding->visible);
   }
   if (report) LogScriptError(game, "No such character/object '" + std::string(reference) + "'.");
   return false;

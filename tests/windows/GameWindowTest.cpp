@@ -15,6 +15,7 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTextBlock>
@@ -599,7 +600,7 @@ TEST_F(GameWindowTest, TheDemoGameIsWonByTypingItsWalkthrough) {
       if (!lines[j].starts_with("<< ")) continue;
       const int answer = std::stoi(lines[j].substr(3)) - 1;
       WhenOpens<frmSelection>([answer](frmSelection* selection) {
-        selection->lstAnswers()->setCurrentRow(answer);
+        selection->optAnswer(answer)->click();
         selection->butOK()->click();
       });
     }

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <QLabel>
-#include <QListWidget>
 #include <QPushButton>
+#include <QRadioButton>
 #include <string>
 #include <vector>
 
@@ -35,14 +35,16 @@ int Choose(const std::vector<std::string>& answers, const std::function<void(frm
 
 TEST(Selection, OffersAtMostEightAnswersWithTheFirstChosenAndEnterConfirms) {
   QStringList shown;
-  int current = -1;
+  bool first_checked = false;
   QString prompt;
   const int picked = Choose(Answers(10), [&](frmSelection* dialog) {
     prompt = dialog->lblPrompt()->text();
-    for (int row = 0; row < dialog->lstAnswers()->count(); ++row) {
-      shown << dialog->lstAnswers()->item(row)->text();
+    for (int i = 0; i < frmSelection::kMaxAnswers; ++i) {
+      if (dialog->optAnswer(i)->isVisible()) shown << dialog->optAnswer(i)->text();
     }
-    current = dialog->lstAnswers()->currentRow();
+    first_checked = dialog->optAnswer(0)->isChecked();
+    // The arrows move the choice from button to button; Enter confirms it.
+    QApplication::setActiveWindow(dialog);
     PressKey(dialog, Qt::Key_Down);
     PressKey(dialog, Qt::Key_Down);
     PressKey(dialog, Qt::Key_Return);
@@ -51,17 +53,20 @@ TEST(Selection, OffersAtMostEightAnswersWithTheFirstChosenAndEnterConfirms) {
   EXPECT_EQ(shown.size(), 8);
   EXPECT_EQ(shown.front(), QStringLiteral("Answer 1"));
   EXPECT_EQ(shown.back(), QStringLiteral("Answer 8"));
-  EXPECT_EQ(current, 0);
+  EXPECT_TRUE(first_checked);
   EXPECT_EQ(picked, 2);
 }
 
-TEST(Selection, DoubleClickConfirmsTheAnswerUnderIt) {
-  const int picked = Choose(Answers(3), [](frmSelection* dialog) {
-    QListWidget* list = dialog->lstAnswers();
-    const QRect second = list->visualItemRect(list->item(1));
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, second.center());
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, second.center());
+TEST(Selection, ThreeAnswersShowThreeButtonsAndAClickedOneIsConfirmed) {
+  int visible = 0;
+  const int picked = Choose(Answers(3), [&](frmSelection* dialog) {
+    for (int i = 0; i < frmSelection::kMaxAnswers; ++i)
+      visible += dialog->optAnswer(i)->isVisible();
+    // On the button's round mark: the button is as wide as the dialog, its caption shorter.
+    QTest::mouseClick(dialog->optAnswer(1), Qt::LeftButton, {}, QPoint(8, 10));
+    QTest::mouseClick(dialog->butOK(), Qt::LeftButton);
   });
+  EXPECT_EQ(visible, 3);
   EXPECT_EQ(picked, 1);
 }
 

@@ -3,9 +3,10 @@
 #include <QApplication>
 #include <QLabel>
 #include <QProgressBar>
-#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
+
+#include "player/windows/WindowPlacement.h"
 
 namespace tarve {
 
@@ -48,13 +49,7 @@ void frmProgress::SetProgress(int percent) { prg_progress_->setValue(std::clamp(
 void frmProgress::ShowNow() {
   if (!placed_) {
     adjustSize();
-    const QScreen* where =
-        parentWidget() != nullptr ? parentWidget()->screen() : QGuiApplication::primaryScreen();
-    if (where != nullptr) {
-      QRect frame = rect();
-      frame.moveCenter(where->availableGeometry().center());
-      move(frame.topLeft());
-    }
+    CentreOnScreen(*this);
     placed_ = true;
   }
   show();

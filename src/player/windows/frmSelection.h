@@ -1,14 +1,17 @@
 // frmSelection: the dialog in which the player picks one answer of a game's choice menu: the
-// game's prompt, a list of at most eight answers with the first one chosen, and OK.
+// game's prompt, eight option buttons (one per answer, the rest hidden) with the first one
+// chosen, and OK.
 #pragma once
 
 #include <QDialog>
+#include <array>
 #include <string>
 #include <vector>
 
+class QButtonGroup;
 class QLabel;
-class QListWidget;
 class QPushButton;
+class QRadioButton;
 
 namespace tarve {
 
@@ -28,15 +31,17 @@ class frmSelection : public QDialog {
   int Run();
 
   QLabel* lblPrompt() const { return lbl_prompt_; }
-  QListWidget* lstAnswers() const { return lst_answers_; }
+  QRadioButton* optAnswer(int index) const { return opt_answers_[static_cast<std::size_t>(index)]; }
   QPushButton* butOK() const { return but_ok_; }
+  // How many answers the dialog offers (the visible option buttons).
+  int AnswerCount() const { return answers_; }
 
  private:
-  void FitList();
-
   QLabel* lbl_prompt_;
-  QListWidget* lst_answers_;
+  std::array<QRadioButton*, kMaxAnswers> opt_answers_{};
+  QButtonGroup* group_;
   QPushButton* but_ok_;
+  int answers_ = 0;
   int picked_ = -1;
 };
 

@@ -70,7 +70,15 @@ TEST(PrintText, FontSizeCodeAlwaysTakesFourCharacters) {
   // Cut short by the end of the text, the code takes what is there.
   EXPECT_EQ(Printed(t, "x|s1"), "x{size:1}\r\n");
   EXPECT_EQ(Printed(t, "x|s"), "x{size:8.25}\r\n");
-  EXPECT_EQ(Printed(t, "|s-5x"), "x\r\n");  // no negative size reaches the pane
+}
+
+TEST(PrintText, FontSizeCodeReadsDigitsAndOnePointOnlyAndNoDigitsGiveTheDefault) {
+  TempDir dir;
+  TestGame t(dir);
+  t.game.output.current_default_font_size = 8.25f;
+  // A sign, a second point or a letter ends the number; "|s-5" and "|s+5" read no digits.
+  EXPECT_EQ(Printed(t, "|s-5x|s+5y|s5-|s1.5"), "{size:8.25}x{size:8.25}y{size:5}{size:1}5\r\n");
+  EXPECT_EQ(Printed(t, "|s..|s.9|s5e"), "{size:8.25}{size:0.9}{size:5}\r\n");
 }
 
 TEST(PrintText, ClearCodeEmptiesThePaneForAnyOtherLetterButNotTheFile) {

@@ -47,7 +47,9 @@ class DocumentTypesTest : public ::testing::Test {
     }
   }
   std::string Package() { return ReadFile(dir.path() + "/data/mime/packages/tarve.xml"); }
-  std::string DesktopEntry() { return ReadFile(dir.path() + "/data/applications/tarve.desktop"); }
+  std::string DesktopEntry() {
+    return ReadFile(dir.path() + "/data/applications/tarve.desktop");
+  }
 
   TempDir dir;
   std::string saved_;
@@ -62,6 +64,7 @@ TEST_F(DocumentTypesTest, EachTypeJoinsTheMimePackageAndTheDesktopEntry) {
   const std::string package = Package();
   EXPECT_NE(package.find("<mime-type type=\"application/x-tarve-game\">\n"
                          "    <comment>Tarve Game</comment>\n"
+                         "    <sub-class-of type=\"text/plain\"/>\n"
                          "    <glob pattern=\"*.gwl\"/>"),
             std::string::npos)
       << package;
@@ -80,6 +83,17 @@ TEST_F(DocumentTypesTest, EachTypeJoinsTheMimePackageAndTheDesktopEntry) {
                        "application/x-tarve-saved-game;\n"),
             std::string::npos)
       << entry;
+}
+
+// A user who installs Tarve into ~/.local gets the very files that the first start writes there,
+// and anyone else gets an entry that takes the installed one's place: both must say the same.
+TEST_F(DocumentTypesTest, FirstStartWritesTheFilesThatAreInstalled) {
+  AssociateFileType("Tarve Game", ".gwl");
+  AssociateFileType("Tarve Game (Compiled)", ".cgw");
+  AssociateFileType("Tarve Saved Game Data", ".tsg");
+  EXPECT_EQ(Package(), ReadFile(std::string(TARVE_SOURCE_DATA) + "/tarve.xml"));
+  EXPECT_EQ(DesktopEntry(),
+            ReadFile(std::string(TARVE_SOURCE_DATA) + "/tarve.desktop"));
 }
 
 TEST_F(DocumentTypesTest, AssociatingAgainReplacesTheTypeAndEscapesItsText) {

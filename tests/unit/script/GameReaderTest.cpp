@@ -217,7 +217,7 @@ TEST(Braces, BecomeNumberedProceduresThatNest) {
   EXPECT_EQ(FindBlockByName(t.game, "procedure", "!intproc3"), (BlockRange{23, 25}));
 }
 
-TEST(Braces, AnUnclosedBraceStopsAtTheEndOfItsBlock) {
+TEST(Braces, ABraceThatNothingClosesStopsAtTheEndOfItsBlock) {
   TempDir dir;
   TestGame t(dir);
   ASSERT_TRUE(ReadSource(t, dir,
@@ -233,6 +233,45 @@ TEST(Braces, AnUnclosedBraceStopsAtTheEndOfItsBlock) {
   EXPECT_EQ(t.host.log.back(),
             "Warning: Missing } for the { in 'if got <key> then {'; the block ends with its "
             "'end define'.");
+}
+
+TEST(Braces, ABraceClosedAfterItsBlockTakesEveryLineUpToTheClosingOne) {
+  TempDir dir;
+  TestGame t(dir);
+  // Closed among the loose lines after its block: the block's end define is taken with the
+  // rest, and the block keeps its range.
+  ASSERT_TRUE(ReadSource(t, dir,
+                         "define room <Hall>\n"
+                         "  command <knock> {\n"
+                         "    msg <Nobody answers.>\n"
+                         "end define\n"
+                         "  } ignored\n"
+                         "define room <Yard>\n"
+                         "  command <shout> {\n"
+                         "end define\n"));
+  EXPECT_EQ(LinesOf(t.game),
+            (Lines{"define room <Hall>", "command <knock> do <!intproc1>", "", "", "",
+                   "define room <Yard>", "command <shout> do <!intproc2>", "end define",
+                   "define procedure <!intproc1>", "    msg <Nobody answers.>", "end define",
+                   "end define", "define procedure <!intproc2>", "end define"}));
+  EXPECT_EQ(FindBlockByName(t.game, "room", "Hall"), (BlockRange{1, 4}));
+  EXPECT_EQ(FindBlockByName(t.game, "procedure", "!intproc1"), (BlockRange{9, 12}));
+  // The brace in Yard is closed by no line: it ends with its block.
+  EXPECT_EQ(t.host.log.back(),
+            "Warning: Missing } for the { in 'command <shout> {'; the block ends with its "
+            "'end define'.");
+
+  // Closed inside a later block, the brace takes that block's define line: a block without a
+  // name refuses the game.
+  TestGame u(dir);
+  EXPECT_FALSE(ReadSource(u, dir,
+                          "define room <Hall>\n"
+                          "  command <knock> {\n"
+                          "end define\n"
+                          "define room <Yard>\n"
+                          "  }\n"
+                          "end define\n"));
+  EXPECT_EQ(u.host.log.back(), "Fatal error:  has no parameter");
 }
 
 TEST(ElseLines, JoinTheNearestIfAboveInRoomsAndProcedures) {
@@ -284,7 +323,9 @@ TEST(Continuations, CollapseChainsIntoTheirFirstLine) {
                          "  msg <last line>__\n"
                          "end define\n"));
   EXPECT_EQ(LinesOf(t.game), (Lines{"define room <Hall>", "  msg <Hello there you all>", "", "", "",
-                                    "  msg <ab>", "", "", "  msg <last line>__", "end define"}));
+                                    "  msg <ab>", "", "", "  msg <last line>end define", ""}));
+  // The block keeps the range it was indexed with, its emptied end define included.
+  EXPECT_EQ(FindBlockByName(t.game, "room", "Hall"), (BlockRange{1, 10}));
 }
 
 }  // namespace

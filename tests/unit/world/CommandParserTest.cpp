@@ -66,15 +66,18 @@ constexpr std::string_view kSynonymGame =
     "  no equals sign here\n"
     "end define\n";
 
-TEST(Synonyms, SplitWordsAtSemicolonsAndSkipEmptyWordsAndLinesWithoutEquals) {
+TEST(Synonyms, SplitWordsAtSemicolonsKeepingEmptyWordsAndSkipLinesWithoutEquals) {
   ParserTestGame p(kSynonymGame, "");
   const std::vector<Synonym>& synonyms = p.game().parser.synonyms;
-  ASSERT_EQ(synonyms.size(), 3u);
+  ASSERT_EQ(synonyms.size(), 5u);
   EXPECT_EQ(synonyms[0].word, "grab");
   EXPECT_EQ(synonyms[0].replacement, "take");
   EXPECT_EQ(synonyms[1].word, "snatch");
   EXPECT_EQ(synonyms[2].word, "lantern");
   EXPECT_EQ(synonyms[2].replacement, "lamp");
+  EXPECT_EQ(synonyms[3].word, "");  // both sides of the ";" are words
+  EXPECT_EQ(synonyms[3].replacement, "nothing");
+  EXPECT_EQ(synonyms[4].word, "");
   // ReadSynonyms ran before the log was cleared; read it again to see its warning.
   ReadSynonyms(p.game());
   ASSERT_EQ(p.host().log.size(), 1u);

@@ -71,7 +71,7 @@ TEST(Look, LooksAtObjectsBeforeCharactersAndTellsMissingFromUndescribed) {
   EXPECT_EQ(p.Turn("look at ann"), "> look at ann\nNothing out of the ordinary.\n");
   EXPECT_EQ(p.Turn("look at ghost"), "> look at ghost\nWhat's that?\n");
   EXPECT_EQ(p.Turn("look at rake"), "> look at rake\nWhat's that?\n");
-  EXPECT_EQ(p.Turn("look at"), "> look at\nLook at what?\n");
+  EXPECT_EQ(p.Turn("look at"), "> look at\nWhat's that?\n");
   EXPECT_EQ(p.Turn("lookout"), "> lookout\nLook at what?\n");
 }
 
