@@ -50,6 +50,7 @@ struct Desktop {
     open = player.OpenGame(path);
     QApplication::processEvents();
   }
+  ~Desktop() { host.Detach(); }
   tarve::frmMain& window() { return host.window(); }
   // Paints the window now, as the event loop would once the turn is over.
   void Paint() {
@@ -95,6 +96,7 @@ void BM_StartDemoToFirstPaintedRoom(benchmark::State& state) {
     state.PauseTiming();
     host.window().hide();
     QApplication::processEvents();
+    host.Detach();
     state.ResumeTiming();
   }
 }

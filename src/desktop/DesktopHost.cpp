@@ -24,12 +24,18 @@ namespace tarve {
 DesktopHost::DesktopHost() : main_(std::make_unique<frmMain>()) {}
 
 DesktopHost::~DesktopHost() {
+  main_->Detach();
   if (busy_) QApplication::restoreOverrideCursor();
 }
 
 void DesktopHost::Attach(Player& player) {
   player_ = &player;
   main_->Attach(player);
+}
+
+void DesktopHost::Detach() {
+  player_ = nullptr;
+  main_->Detach();
 }
 
 void DesktopHost::InsertText(std::string_view text) { main_->txtOutput()->InsertText(text); }

@@ -36,6 +36,8 @@ class DesktopHost : public OutputPane, public Dialogs, public GameWindow {
 
   // The application whose game the window shows.
   void Attach(Player& player);
+  // Before the application goes: the windows no longer reach it.
+  void Detach();
   frmMain& window() { return *main_; }
   // The program is to end: the player left the game named on the command line, or closed the
   // launcher without choosing a game.

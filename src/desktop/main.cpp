@@ -71,7 +71,13 @@ int main(int argc, char** argv) {
                                            const std::string& extension) {
     tarve::AssociateFileType(description, extension);
   };
-  if (player.Start(command_line, start) == tarve::Player::Started::kFailed) return 1;
-  if (host.ending()) return 0;
-  return QApplication::exec();
+  int status = 0;
+  if (player.Start(command_line, start) == tarve::Player::Started::kFailed) {
+    status = 1;
+  } else if (!host.ending()) {
+    status = QApplication::exec();
+  }
+  // The application goes before the windows, which must not reach it meanwhile.
+  host.Detach();
+  return status;
 }

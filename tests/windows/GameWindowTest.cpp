@@ -123,6 +123,7 @@ class GameWindowTest : public testing::Test {
     host_.Attach(*player_);
     services_.Attach(player_->game());
   }
+  ~GameWindowTest() override { host_.Detach(); }
 
   void Open(const std::string& path = kWindowGame) {
     ASSERT_TRUE(player_->OpenGame(path));

@@ -382,6 +382,11 @@ void frmMain::Attach(Player& player) {
   UpdateControls();
 }
 
+void frmMain::Detach() {
+  qApp->removeEventFilter(this);
+  player_ = nullptr;
+}
+
 void frmMain::SetCaption(const std::string& caption) {
   setWindowTitle(QString::fromStdString(caption));
 }
@@ -684,9 +689,11 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 bool frmMain::EndKeyWait(QObject* watched, QEvent* event) {
-  if (player_ == nullptr || !player_->waiting_for_key()) return false;
+  // Every event of the program passes here: the window's own come first, and only they may
+  // reach the application.
   auto* widget = qobject_cast<QWidget*>(watched);
   if (widget == nullptr || widget->window() != this) return false;
+  if (player_ == nullptr || !player_->waiting_for_key()) return false;
   switch (event->type()) {
     case QEvent::ShortcutOverride:
       // Claimed, so that a key that is also a shortcut arrives as a key press and ends the wait.

@@ -48,6 +48,8 @@ class frmMain : public QMainWindow {
   // The application the window shows. The zoom and the reading-aloud option are read from its
   // settings store.
   void Attach(Player& player);
+  // The application is going: the window no longer reaches it.
+  void Detach();
 
   // What the game window shows.
   void SetCaption(const std::string& caption);
