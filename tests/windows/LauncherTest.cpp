@@ -266,7 +266,7 @@ TEST_F(LauncherTest, AutoInstallAddsTheBrowsedGameAtOnceAndPlayPlaysIt) {
                                           "(*.gwl);;Compiled Tarve script (*.cgw);;Text files "
                                           "(*.txt);;All files (*)"));
   // The browsed file can still be played.
-  EXPECT_EQ(launcher.lblGameFile()->text(), QString::fromStdString(invalid));
+  EXPECT_EQ(launcher.lblGameFile()->toolTip(), QString::fromStdString(invalid));
   launcher.butPlay()->click();
   ASSERT_EQ(played.count(), 1);
   EXPECT_EQ(played.takeFirst().at(0).toString(), QString::fromStdString(invalid));
@@ -369,15 +369,23 @@ TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) 
                                                         QStringLiteral("Dungeon"),
                                                         QStringLiteral("Attic")}));
 
-  // Escape closes the editor and keeps its changes too.
+  // From the keyboard: Delete removes, Enter renames, and Escape closes the editor and keeps
+  // its changes too.
   frmEditInstalledList editor(store, Chooser());
   WhenModalOpens([&](QWidget*) {
     QTest::keyClick(editor.lstGames(), Qt::Key_Delete);
+    WhenModalOpens([](QWidget* box) {
+      auto* input = qobject_cast<QInputDialog*>(box);
+      ASSERT_NE(input, nullptr);
+      input->setTextValue(QStringLiteral("Deep Dungeon"));
+      input->accept();
+    });
+    QTest::keyClick(editor.lstGames(), Qt::Key_Return);
     PressKey(&editor, Qt::Key_Escape);
   });
   editor.exec();
   EXPECT_EQ(store.Read("Games", "NumInstalled"), "2");
-  EXPECT_EQ(store.Read("Games", "Name1"), "Dungeon");
+  EXPECT_EQ(store.Read("Games", "Name1"), "Deep Dungeon");
 }
 
 }  // namespace

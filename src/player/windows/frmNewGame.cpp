@@ -28,7 +28,7 @@ constexpr const char* kHelpProperty = "tarveHelp";
 constexpr int kButtonPadding = 2;
 // The window's width, in average characters: room for a game's name without a long one pushing
 // the window wider than the screen.
-constexpr int kWindowColumns = 52;
+constexpr int kWindowColumns = 72;
 
 QPushButton* MakeButton(const QString& caption, const char* name, QWidget* parent) {
   auto* button = new QPushButton(caption, parent);
@@ -215,6 +215,16 @@ void frmNewGame::FillGameButtons() {
   }
 }
 
+void frmNewGame::ShowGameFile() {
+  // A long path loses its middle, so that both its folder and its file name still show.
+  const QString path = QString::fromStdString(browsed_file_);
+  const int room = lbl_game_file_->contentsRect().width() - 2 * lbl_game_file_->margin() -
+                   lbl_game_file_->fontMetrics().averageCharWidth();
+  lbl_game_file_->setText(
+      room > 0 ? lbl_game_file_->fontMetrics().elidedText(path, Qt::ElideMiddle, room) : path);
+  lbl_game_file_->setAccessibleName(tr("Game file") + QStringLiteral(": ") + path);
+}
+
 void frmNewGame::PlayInstalledGame(int slot) {
   const int index = scrl_game_pos_->value() + slot;
   if (index < 0 || index >= list_.size()) return;
@@ -226,8 +236,8 @@ void frmNewGame::Browse() {
       choose_file_(this, tr("Open Game"), DialogFilter(kGameFileFilter));
   if (!path) return;
   browsed_file_ = *path;
-  lbl_game_file_->setText(QString::fromStdString(browsed_file_));
-  lbl_game_file_->setToolTip(lbl_game_file_->text());
+  lbl_game_file_->setToolTip(QString::fromStdString(browsed_file_));
+  ShowGameFile();
   but_add_->setEnabled(true);
   but_play_->setEnabled(true);
   if (game_.settings.auto_install) Add();
@@ -284,6 +294,10 @@ bool frmNewGame::eventFilter(QObject* watched, QEvent* event) {
       break;
     case QEvent::Leave:
       if (help.isValid()) ShowHelp(QString::fromLatin1(kDefaultHelp));
+      break;
+    case QEvent::Resize:
+      // The path was cut to the label's old width.
+      if (watched == lbl_game_file_) ShowGameFile();
       break;
     case QEvent::FocusIn:
       if (watched == scrl_game_pos_) ShowHelp(help.toString());

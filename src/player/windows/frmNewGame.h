@@ -82,6 +82,8 @@ class frmNewGame : public QWidget {
   void LoadSavedGame();
   void EditList();
   void PlayInstalledGame(int slot);
+  // Shows the browsed file's path, cut to the room its label has.
+  void ShowGameFile();
   // Puts the games from the scroll bar's position on the buttons.
   void FillGameButtons();
   // Moves the keyboard focus among the game buttons, scrolling at the ends of the window.

@@ -114,14 +114,15 @@ QWidget* frmOptions::MakeLoggingPage(const std::string& data_folder) {
   auto* out_file = new QFormLayout;
   out_file->addRow(tr("O&utput file:"), txt_output_file_name_);
   // Where a file goes when its name is left empty.
-  auto* note = new QLabel(tr("Left empty, the files are %1 and %2 in %3.")
+  // A path is not wrapped: it would break at its slashes.
+  auto* note = new QLabel(tr("Left empty, the files are %1 and %2 in the folder\n%3")
                               .arg(QString::fromLatin1(kDefaultLogFileName),
                                    QString::fromLatin1(kDefaultOutputFileName),
-                                   data_folder.empty() ? tr("the current folder")
+                                   data_folder.empty() ? tr("the program starts in")
                                                        : QString::fromStdString(data_folder)),
                           page);
   note->setObjectName(QStringLiteral("lblDefaultFiles"));
-  note->setWordWrap(true);
+  note->setTextFormat(Qt::PlainText);
   auto* layout = new QVBoxLayout(page);
   layout->addWidget(chk_log_script_errors_);
   layout->addLayout(log_file);
