@@ -33,9 +33,7 @@ class QuietHost : public tarve::OutputPane,
                   public tarve::PlatformServices {
  public:
   void InsertText(std::string_view) override {}
-  int ShowMessage(const std::string&, const std::string&, int) override {
-    return tarve::kAnswerOk;
-  }
+  int ShowMessage(const std::string&, const std::string&, int) override { return tarve::kAnswerOk; }
 };
 
 void InstallGames(tarve::SettingsStore& store) {

@@ -244,9 +244,9 @@ TEST_F(LauncherTest, AddRefusesFilesWithoutATitleWithTheErrorBoxAndAddsTheRest) 
   const std::string manor = Write("manor.gwl", "define game <The Manor>\nend define\n");
   EXPECT_TRUE(BrowseAndAdd(launcher, manor).empty());
   EXPECT_TRUE(BrowseAndAdd(launcher, manor).empty());  // the same file twice is two entries
-  EXPECT_EQ(ShownGames(launcher), (std::vector<QString>{QString::fromStdString(compiled),
-                                                        QStringLiteral("The Manor"),
-                                                        QStringLiteral("The Manor")}));
+  EXPECT_EQ(ShownGames(launcher),
+            (std::vector<QString>{QString::fromStdString(compiled), QStringLiteral("The Manor"),
+                                  QStringLiteral("The Manor")}));
   EXPECT_EQ(store.Read("Games", "NumInstalled"), "3");
   EXPECT_EQ(store.Read("Games", "File3"), manor);
 }
@@ -365,9 +365,9 @@ TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) 
   EXPECT_FALSE(store.Read("Games", "Name4"));
   EXPECT_FALSE(store.Read("Games", "File4"));
   // The launcher shows the list as it now stands.
-  EXPECT_EQ(ShownGames(launcher), (std::vector<QString>{QStringLiteral("Big Barn"),
-                                                        QStringLiteral("Dungeon"),
-                                                        QStringLiteral("Attic")}));
+  EXPECT_EQ(ShownGames(launcher),
+            (std::vector<QString>{QStringLiteral("Big Barn"), QStringLiteral("Dungeon"),
+                                  QStringLiteral("Attic")}));
 
   // From the keyboard: Delete removes, Enter renames, and Escape closes the editor and keeps
   // its changes too.

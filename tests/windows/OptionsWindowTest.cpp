@@ -59,17 +59,27 @@ std::vector<QString> Entries(const QListWidget* list) {
 
 // Every key of the "Options" and "Security" sections that the store holds.
 std::map<std::string, std::string> OptionKeys(const SettingsStore& store) {
-  constexpr const char* kOptions[] = {
-      "LogErrors",         "LogFile",           "OutputFile",
-      "OutFile",           "SpecialMsgBox",     "AutoInstall",
-      "DetailedLook",      "DefaultFontName",   "DefaultFontSize",
-      "DefaultFontBold",   "DefaultFontItalic", "OverrideGameDefaultFont",
-      "OverrideAllFonts",  "OverrideEffects",   "LabelForegroundColour",
-      "LabelBackgroundColour"};
-  constexpr const char* kSecurity[] = {
-      "SecurityType",   "ZeroSecurityInstalledGames", "NumberCustomSecurity",
-      "CustomSecurityIsDisallow", "CustomSecurity1", "CustomSecurity2",
-      "CustomSecurity3", "CustomSecurity4",          "CustomSecurity5"};
+  constexpr const char* kOptions[] = {"LogErrors",
+                                      "LogFile",
+                                      "OutputFile",
+                                      "OutFile",
+                                      "SpecialMsgBox",
+                                      "AutoInstall",
+                                      "DetailedLook",
+                                      "DefaultFontName",
+                                      "DefaultFontSize",
+                                      "DefaultFontBold",
+                                      "DefaultFontItalic",
+                                      "OverrideGameDefaultFont",
+                                      "OverrideAllFonts",
+                                      "OverrideEffects",
+                                      "LabelForegroundColour",
+                                      "LabelBackgroundColour"};
+  constexpr const char* kSecurity[] = {"SecurityType",         "ZeroSecurityInstalledGames",
+                                       "NumberCustomSecurity", "CustomSecurityIsDisallow",
+                                       "CustomSecurity1",      "CustomSecurity2",
+                                       "CustomSecurity3",      "CustomSecurity4",
+                                       "CustomSecurity5"};
   std::map<std::string, std::string> keys;
   for (const char* key : kOptions) {
     if (auto value = store.Read("Options", key)) keys[std::string("Options/") + key] = *value;
@@ -313,7 +323,7 @@ TEST(AdvancedSecurity, AddsTypesAsTheCheckComparesThemRemovesAndKeepsOnlyOnOk) {
     AnswerInputBox(QString(), &ignored, &ignored);
     editor.butAdd()->click();
     EXPECT_EQ(Entries(editor.lstFileTypes()), (std::vector<QString>{"EXE", "COM", "DOC"}));
-    editor.butRemove()->click();  // EXE, the chosen one
+    editor.butRemove()->click();                             // EXE, the chosen one
     QTest::keyClick(editor.lstFileTypes(), Qt::Key_Delete);  // then COM
     EXPECT_EQ(Entries(editor.lstFileTypes()), std::vector<QString>{"DOC"});
     editor.butOK()->click();

@@ -8,6 +8,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "player/windows/Controls.h"
+
 namespace tarve {
 
 namespace {
@@ -15,24 +17,16 @@ namespace {
 constexpr int kListRows = 8;
 constexpr int kListColumns = 16;
 
-QPushButton* MakeButton(const QString& caption, const char* name, QWidget* parent) {
-  auto* button = new QPushButton(caption, parent);
-  button->setObjectName(QString::fromLatin1(name));
-  QString accessible = caption;
-  button->setAccessibleName(accessible.remove(QLatin1Char('&')));
-  return button;
-}
-
 }  // namespace
 
 frmAdvancedSecurity::frmAdvancedSecurity(std::vector<std::string> entries, QWidget* parent)
     : QDialog(parent),
       list_(std::move(entries)),
       lst_file_types_(new QListWidget(this)),
-      but_add_(MakeButton(tr("&Add..."), "butAdd", this)),
-      but_remove_(MakeButton(tr("&Remove"), "butRemove", this)),
-      but_ok_(MakeButton(tr("OK"), "butOK", this)),
-      but_cancel_(MakeButton(tr("Cancel"), "butCancel", this)) {
+      but_add_(Named(new QPushButton(tr("&Add..."), this), "butAdd")),
+      but_remove_(Named(new QPushButton(tr("&Remove"), this), "butRemove")),
+      but_ok_(Named(new QPushButton(tr("OK"), this), "butOK")),
+      but_cancel_(Named(new QPushButton(tr("Cancel"), this), "butCancel")) {
   setObjectName(QStringLiteral("frmAdvancedSecurity"));
   setWindowTitle(tr("Custom File Types"));
   setAccessibleName(windowTitle());

@@ -8,6 +8,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "player/windows/Controls.h"
+
 namespace tarve {
 
 namespace {
@@ -17,10 +19,7 @@ constexpr int kListRows = 12;
 constexpr int kListColumns = 40;
 
 QPushButton* MakeButton(const QString& caption, const char* name, QWidget* parent) {
-  auto* button = new QPushButton(caption, parent);
-  button->setObjectName(QString::fromLatin1(name));
-  QString accessible = caption;
-  button->setAccessibleName(accessible.remove(QLatin1Char('&')));
+  auto* button = Named(new QPushButton(caption, parent), name);
   // Enter belongs to the list (it renames the chosen game); no button takes it.
   button->setAutoDefault(false);
   return button;

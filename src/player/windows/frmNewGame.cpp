@@ -11,9 +11,11 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 #include <algorithm>
+#include <initializer_list>
 
 #include "game/Game.h"
 #include "game/Host.h"
+#include "player/windows/Controls.h"
 #include "player/windows/MessageBoxes.h"
 #include "player/windows/frmEditInstalledList.h"
 
@@ -30,18 +32,9 @@ constexpr int kButtonPadding = 2;
 // the window wider than the screen.
 constexpr int kWindowColumns = 72;
 
-QPushButton* MakeButton(const QString& caption, const char* name, QWidget* parent) {
-  auto* button = new QPushButton(caption, parent);
-  button->setObjectName(QString::fromLatin1(name));
-  QString accessible = caption;
-  button->setAccessibleName(accessible.remove(QLatin1Char('&')));
-  return button;
-}
-
 }  // namespace
 
-frmNewGame::frmNewGame(Game& game, SettingsStore& store, FileChooser choose_file,
-                       QWidget* parent)
+frmNewGame::frmNewGame(Game& game, SettingsStore& store, FileChooser choose_file, QWidget* parent)
     : QWidget(parent, Qt::Window),
       game_(game),
       store_(store),
@@ -50,16 +43,16 @@ frmNewGame::frmNewGame(Game& game, SettingsStore& store, FileChooser choose_file
       frame_installed_games_(new QGroupBox(tr("Installed Games"), this)),
       frame_other_games_(new QGroupBox(tr("Other Games"), this)),
       scrl_game_pos_(new QScrollBar(Qt::Vertical, frame_installed_games_)),
-      but_browse_(MakeButton(tr("&Browse..."), "butBrowse", frame_other_games_)),
+      but_browse_(Named(new QPushButton(tr("&Browse..."), frame_other_games_), "butBrowse")),
       lbl_game_file_caption_(new QLabel(tr("Game file:"), frame_other_games_)),
       lbl_game_file_(new QLabel(frame_other_games_)),
-      but_add_(MakeButton(tr("&Add to Installed Games"), "butAdd", frame_other_games_)),
-      but_play_(MakeButton(tr("&Play"), "butPlay", frame_other_games_)),
-      but_load_saved_game_(
-          MakeButton(tr("&Load Saved Game..."), "butLoadSavedGame", frame_other_games_)),
-      but_edit_list_(MakeButton(tr("&Edit List..."), "butEditList", this)),
-      but_options_(MakeButton(tr("&Options..."), "butOptions", this)),
-      but_exit_(MakeButton(tr("E&xit"), "butExit", this)),
+      but_add_(Named(new QPushButton(tr("&Add to Installed Games"), frame_other_games_), "butAdd")),
+      but_play_(Named(new QPushButton(tr("&Play"), frame_other_games_), "butPlay")),
+      but_load_saved_game_(Named(new QPushButton(tr("&Load Saved Game..."), frame_other_games_),
+                                 "butLoadSavedGame")),
+      but_edit_list_(Named(new QPushButton(tr("&Edit List..."), this), "butEditList")),
+      but_options_(Named(new QPushButton(tr("&Options..."), this), "butOptions")),
+      but_exit_(Named(new QPushButton(tr("E&xit"), this), "butExit")),
       lbl_help_(new QLabel(QString::fromLatin1(kDefaultHelp), this)) {
   setObjectName(QStringLiteral("frmNewGame"));
   setWindowTitle(QStringLiteral("Welcome to Tarve ") + QString::fromLatin1(kPlayerVersion));
@@ -82,7 +75,6 @@ frmNewGame::frmNewGame(Game& game, SettingsStore& store, FileChooser choose_file
     button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     connect(button, &QPushButton::clicked, this, [this, slot] { PlayInstalledGame(slot); });
     SetHelp(button, "Click the name of the game you want to play");
-    button->installEventFilter(this);
     games_column->addWidget(button);
     but_installed_game_[static_cast<std::size_t>(slot)] = button;
   }
@@ -91,7 +83,6 @@ frmNewGame::frmNewGame(Game& game, SettingsStore& store, FileChooser choose_file
   scrl_game_pos_->setPageStep(kVisibleGames);
   connect(scrl_game_pos_, &QScrollBar::valueChanged, this, [this] { FillGameButtons(); });
   SetHelp(scrl_game_pos_, "Scroll to see the complete list of installed games");
-  scrl_game_pos_->installEventFilter(this);
   auto* installed_layout = new QHBoxLayout(frame_installed_games_);
   installed_layout->addLayout(games_column, 1);
   installed_layout->addWidget(scrl_game_pos_);
@@ -144,19 +135,11 @@ frmNewGame::frmNewGame(Game& game, SettingsStore& store, FileChooser choose_file
   SetHelp(but_edit_list_, "Click this button to change the list of 'Installed Games' above");
   SetHelp(but_options_, "Click here to set your preferences");
   SetHelp(but_exit_, "Click here to exit Tarve");
-  for (QWidget* control : {static_cast<QWidget*>(but_browse_), static_cast<QWidget*>(but_add_),
-                           static_cast<QWidget*>(but_play_),
-                           static_cast<QWidget*>(but_load_saved_game_),
-                           static_cast<QWidget*>(but_edit_list_),
-                           static_cast<QWidget*>(but_options_), static_cast<QWidget*>(but_exit_)}) {
-    control->installEventFilter(this);
-  }
   // Over the window's background, its frames and its labels the help line goes back to saying
   // what it is for.
-  for (QWidget* plain : {static_cast<QWidget*>(frame_installed_games_),
-                         static_cast<QWidget*>(frame_other_games_),
-                         static_cast<QWidget*>(lbl_game_file_caption_),
-                         static_cast<QWidget*>(lbl_game_file_), static_cast<QWidget*>(lbl_help_)}) {
+  for (QWidget* plain :
+       std::initializer_list<QWidget*>{frame_installed_games_, frame_other_games_,
+                                       lbl_game_file_caption_, lbl_game_file_, lbl_help_}) {
     plain->installEventFilter(this);
   }
 
@@ -172,11 +155,10 @@ frmNewGame::frmNewGame(Game& game, SettingsStore& store, FileChooser choose_file
   DisplayInstalledGames();
 }
 
-void frmNewGame::SetHelp(QObject* control, const char* help) {
+void frmNewGame::SetHelp(QWidget* control, const char* help) {
   control->setProperty(kHelpProperty, QString::fromLatin1(help));
-  if (auto* widget = qobject_cast<QWidget*>(control)) {
-    widget->setAccessibleDescription(QString::fromLatin1(help));
-  }
+  control->setAccessibleDescription(QString::fromLatin1(help));
+  control->installEventFilter(this);
 }
 
 void frmNewGame::ShowHelp(const QString& text) {

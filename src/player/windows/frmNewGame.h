@@ -88,7 +88,8 @@ class frmNewGame : public QWidget {
   void FillGameButtons();
   // Moves the keyboard focus among the game buttons, scrolling at the ends of the window.
   bool MoveGameFocus(int slot, int step);
-  void SetHelp(QObject* control, const char* help);
+  // Gives `control` its help text for the help line (and for screen readers).
+  void SetHelp(QWidget* control, const char* help);
   void ShowHelp(const QString& text);
 
   Game& game_;

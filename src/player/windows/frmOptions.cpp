@@ -16,6 +16,7 @@
 
 #include "base/Numbers.h"
 #include "game/Host.h"
+#include "player/windows/Controls.h"
 #include "player/windows/MessageBoxes.h"
 #include "player/windows/frmAdvancedSecurity.h"
 
@@ -26,17 +27,7 @@ namespace {
 // The file name boxes are wide enough for a path in the user's home folder.
 constexpr int kFileNameColumns = 40;
 
-template <typename Control>
-Control* Named(Control* control, const char* name) {
-  control->setObjectName(QString::fromLatin1(name));
-  QString accessible = control->text();
-  control->setAccessibleName(accessible.remove(QLatin1Char('&')));
-  return control;
-}
-
-QColor ColourOf(const QString& digits) {
-  return QColor(QLatin1Char('#') + digits);
-}
+QColor ColourOf(const QString& digits) { return QColor(QLatin1Char('#') + digits); }
 
 }  // namespace
 
@@ -95,13 +86,13 @@ frmOptions::frmOptions(Settings& settings, SettingsStore& store, QWidget* parent
 QWidget* frmOptions::MakeLoggingPage(const std::string& data_folder) {
   auto* page = new QWidget(pages_);
   page->setObjectName(QStringLiteral("pageLogging"));
-  chk_log_script_errors_ = Named(
-      new QCheckBox(tr("Write script &errors to a log file"), page), "chkLogScriptErrors");
+  chk_log_script_errors_ =
+      Named(new QCheckBox(tr("Write script &errors to a log file"), page), "chkLogScriptErrors");
   txt_log_file_name_ = new QLineEdit(page);
   txt_log_file_name_->setObjectName(QStringLiteral("txtLogFileName"));
   txt_log_file_name_->setAccessibleName(tr("Log file"));
-  chk_output_to_file_ = Named(
-      new QCheckBox(tr("&Copy everything the game prints to a file"), page), "chkOutputToFile");
+  chk_output_to_file_ = Named(new QCheckBox(tr("&Copy everything the game prints to a file"), page),
+                              "chkOutputToFile");
   txt_output_file_name_ = new QLineEdit(page);
   txt_output_file_name_->setObjectName(QStringLiteral("txtOutputFileName"));
   txt_output_file_name_->setAccessibleName(tr("Output file"));
@@ -161,9 +152,8 @@ QWidget* frmOptions::MakeFontsPage() {
   chk_override_all_fonts_ =
       Named(new QCheckBox(tr("Use this font for &all text, whatever font the game asks for"), page),
             "chkOverrideAllFonts");
-  chk_override_effects_ =
-      Named(new QCheckBox(tr("&Ignore bold, italic, underline and colours"), page),
-            "chkOverrideEffects");
+  chk_override_effects_ = Named(
+      new QCheckBox(tr("&Ignore bold, italic, underline and colours"), page), "chkOverrideEffects");
 
   auto* colour_frame = new QGroupBox(tr("Colours of the game window's labels"), page);
   txt_label_foreground_ = new QLineEdit(colour_frame);
@@ -242,9 +232,8 @@ QWidget* frmOptions::MakeOtherPage() {
   security_layout->addWidget(chk_zero_security_installed_games_);
 
   auto* message_frame = new QGroupBox(tr("Message boxes"), page);
-  chk_special_msg_box_ =
-      Named(new QCheckBox(tr("Use Tarve's own &message window"), message_frame),
-            "chkSpecialMsgBox");
+  chk_special_msg_box_ = Named(new QCheckBox(tr("Use Tarve's own &message window"), message_frame),
+                               "chkSpecialMsgBox");
   but_demo_msg_box_ = Named(new QPushButton(tr("S&how Me"), message_frame), "butDemoMsgBox");
   auto* message_row = new QHBoxLayout(message_frame);
   message_row->addWidget(chk_special_msg_box_);
@@ -254,9 +243,9 @@ QWidget* frmOptions::MakeOtherPage() {
   chk_auto_install_ = Named(
       new QCheckBox(tr("Add a game chosen with Browse to the installed games at &once"), page),
       "chkAutoInstall");
-  chk_detailed_look_ = Named(
-      new QCheckBox(tr("\"&Look\" on its own describes the room in full"), page),
-      "chkDetailedLook");
+  chk_detailed_look_ =
+      Named(new QCheckBox(tr("\"&Look\" on its own describes the room in full"), page),
+            "chkDetailedLook");
 
   auto* layout = new QVBoxLayout(page);
   layout->addWidget(security_frame);
@@ -319,8 +308,7 @@ QFont frmOptions::ChosenFont() const {
 void frmOptions::UpdateFontSample() {
   const Settings& v = form_.values;
   QString text = QString::fromStdString(v.default_font_name) + QStringLiteral(", ") +
-                 QString::fromStdString(FormatSingle(v.default_font_size)) +
-                 QStringLiteral(" pt");
+                 QString::fromStdString(FormatSingle(v.default_font_size)) + QStringLiteral(" pt");
   if (v.default_font_bold) text += tr(", bold");
   if (v.default_font_italic) text += tr(", italic");
   lbl_font_sample_->setText(text);

@@ -27,8 +27,7 @@ class frmOptions : public QDialog {
   Q_OBJECT
 
  public:
-  static constexpr const char* kDemoMessage =
-      "This is the style of message box you have selected.";
+  static constexpr const char* kDemoMessage = "This is the style of message box you have selected.";
 
   // `settings` are the player's settings, changed on OK; `store` keeps them. Both must outlive
   // the window. Default log and output files go into `data_folder`.
