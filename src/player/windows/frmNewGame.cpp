@@ -152,7 +152,7 @@ frmNewGame::frmNewGame(Game& game, SettingsStore& store, FileChooser choose_file
   connect(but_options_, &QPushButton::clicked, this, [this] { emit optionsRequested(); });
   connect(but_exit_, &QPushButton::clicked, this, [this] { emit exitRequested(); });
 
-  DisplayInstalledGames();
+  ShowGameButtons();
 }
 
 void frmNewGame::SetHelp(QWidget* control, const char* help) {
@@ -167,6 +167,10 @@ void frmNewGame::ShowHelp(const QString& text) {
 
 void frmNewGame::DisplayInstalledGames() {
   list_.Reload();
+  ShowGameButtons();
+}
+
+void frmNewGame::ShowGameButtons() {
   const int hidden = std::max(0, list_.size() - kVisibleGames);
   const QSignalBlocker quiet(scrl_game_pos_);
   scrl_game_pos_->setRange(0, hidden);
@@ -232,7 +236,7 @@ void frmNewGame::Add() {
     ShowMessage(this, result.error, "Error", kOkOnly, game_.settings.special_msg_box);
     return;
   }
-  DisplayInstalledGames();
+  ShowGameButtons();
   // The new game is the last one: bring it into view.
   scrl_game_pos_->setValue(scrl_game_pos_->maximum());
 }
@@ -249,17 +253,15 @@ void frmNewGame::EditList() {
   DisplayInstalledGames();
 }
 
-bool frmNewGame::MoveGameFocus(int slot, int step) {
+void frmNewGame::MoveGameFocus(int slot, int step) {
   const int target = slot + step;
   if (target >= 0 && target < kVisibleGames &&
       but_installed_game_[static_cast<std::size_t>(target)]->isVisible()) {
     but_installed_game_[static_cast<std::size_t>(target)]->setFocus(Qt::OtherFocusReason);
-    return true;
+    return;
   }
   // At the edge of the window the list moves under the focus instead.
-  const int before = scrl_game_pos_->value();
-  scrl_game_pos_->setValue(before + step);
-  return scrl_game_pos_->value() != before;
+  scrl_game_pos_->setValue(scrl_game_pos_->value() + step);
 }
 
 bool frmNewGame::eventFilter(QObject* watched, QEvent* event) {
@@ -331,12 +333,6 @@ void frmNewGame::closeEvent(QCloseEvent* event) {
   // Closing the launcher is leaving the program, as Exit is.
   event->accept();
   emit exitRequested();
-}
-
-void frmNewGame::showEvent(QShowEvent* event) {
-  QWidget::showEvent(event);
-  // Back from a game, the list may have been changed by another window.
-  DisplayInstalledGames();
 }
 
 void frmNewGame::resizeEvent(QResizeEvent* event) {

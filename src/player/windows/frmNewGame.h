@@ -38,7 +38,8 @@ class frmNewGame : public QWidget {
   frmNewGame(Game& game, SettingsStore& store, FileChooser choose_file = {},
              QWidget* parent = nullptr);
 
-  // Reads the installed games again and shows them.
+  // Reads the installed games again and shows them. The launcher reads them when it is made and
+  // after the list editor closes; nothing else changes them while the program runs.
   void DisplayInstalledGames();
   // The game file chosen with Browse, the one Add and Play act on.
   const std::string& browsed_file() const { return browsed_file_; }
@@ -73,7 +74,6 @@ class frmNewGame : public QWidget {
   bool eventFilter(QObject* watched, QEvent* event) override;
   void enterEvent(QEnterEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
-  void showEvent(QShowEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
  private:
@@ -84,10 +84,12 @@ class frmNewGame : public QWidget {
   void PlayInstalledGame(int slot);
   // Shows the browsed file's path, cut to the room its label has.
   void ShowGameFile();
+  // Fits the scroll bar to the list and shows the games on the buttons.
+  void ShowGameButtons();
   // Puts the games from the scroll bar's position on the buttons.
   void FillGameButtons();
   // Moves the keyboard focus among the game buttons, scrolling at the ends of the window.
-  bool MoveGameFocus(int slot, int step);
+  void MoveGameFocus(int slot, int step);
   // Gives `control` its help text for the help line (and for screen readers).
   void SetHelp(QWidget* control, const char* help);
   void ShowHelp(const QString& text);
