@@ -17,6 +17,7 @@
 #include "game/Host.h"
 #include "player/windows/Controls.h"
 #include "player/windows/MessageBoxes.h"
+#include "player/windows/WindowPlacement.h"
 #include "player/windows/frmEditInstalledList.h"
 
 namespace tarve {
@@ -153,6 +154,9 @@ frmNewGame::frmNewGame(Game& game, SettingsStore& store, FileChooser choose_file
   connect(but_exit_, &QPushButton::clicked, this, [this] { emit exitRequested(); });
 
   ShowGameButtons();
+  // The program's first window opens in the middle of the screen, as the splash before it did.
+  adjustSize();
+  CentreOnScreen(*this);
 }
 
 void frmNewGame::SetHelp(QWidget* control, const char* help) {
