@@ -12,7 +12,8 @@ build=${1:-"$root/build/release"}
 if [ $# -eq 0 ]; then
   (cd "$root" && cmake --preset release >/dev/null)
 fi
-cmake --build "$build" -j2 --target tarve_bench tarve_window_bench tarve-cli tarve-gen-large >/dev/null
+cmake --build "$build" -j2 --target tarve_bench tarve_window_bench tarve_game_window_bench tarve-cli \
+  tarve-gen-large >/dev/null
 
 cli="$build/src/tarve-cli"
 gen="$build/bench/tarve-gen-large"
@@ -22,6 +23,10 @@ runs=21
 echo "=== engine benchmarks (medians of the repetitions) ==="
 "$build/bench/tarve_bench" --benchmark_report_aggregates_only=true 2>&1 |
   grep -E '_median|^heap|^Run on|CPU|^Load' || true
+
+echo
+echo "=== the launcher and the options window, drawn offscreen (medians) ==="
+"$build/bench/tarve_window_bench" 2>&1 | grep -E '_median' || true
 
 echo
 echo "=== whole process: reading the large game ==="
@@ -94,7 +99,7 @@ done
 
 echo
 echo "=== the game window (offscreen; medians of the repetitions) ==="
-window="$build/bench/tarve_window_bench"
+window="$build/bench/tarve_game_window_bench"
 "$window" --benchmark_filter='Start|Print|Enter' --benchmark_repetitions=5 \
   --benchmark_report_aggregates_only=true 2>&1 | grep -E '_median' || true
 # Each session in a process of its own: memory one session freed would stay with the next.

@@ -280,27 +280,30 @@ std::string GetGameTitle(Game& game, const std::string& path) {
   return "__NOTITLE";
 }
 
-bool AddInstalledGame(Game& game, SettingsStore& store, const std::string& path) {
+InstallResult InstallGame(Game& game, SettingsStore& store, const std::string& path) {
   const std::string title = GetGameTitle(game, path);
+  const std::string refused = "Unable to add " + path + " to the 'Installed Games' list\n";
   if (title.rfind("__", 0) == 0) {
     const char* reason = title == "__CANTOPEN" ? "- the file could not be opened."
                                                : "- the file appears to be invalid.";
-    game.host.dialogs.ShowMessage(
-        "Unable to add " + path + " to the 'Installed Games' list\n" + std::string(reason), "Error",
-        kOkOnly);
-    return false;
+    return {false, refused + reason};
   }
   const int count = std::max(0, ReadCount(store, kGames, "NumInstalled", "0"));
-  if (count >= kMaxListEntries) {
-    game.host.dialogs.ShowMessage(
-        "Unable to add " + path + " to the 'Installed Games' list\n- the list is full.", "Error",
-        kOkOnly);
-    return false;
-  }
+  if (count >= kMaxListEntries) return {false, refused + "- the list is full."};
   const int n = count + 1;
   store.Write(kGames, Numbered("Name", n), title);
   store.Write(kGames, Numbered("File", n), path);
   store.Write(kGames, "NumInstalled", std::to_string(n));
+  store.Flush();
+  return {true, ""};
+}
+
+bool AddInstalledGame(Game& game, SettingsStore& store, const std::string& path) {
+  const InstallResult result = InstallGame(game, store, path);
+  if (!result.added) {
+    game.host.dialogs.ShowMessage(result.error, "Error", kOkOnly);
+    return false;
+  }
   return store.Flush();
 }
 

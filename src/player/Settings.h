@@ -60,7 +60,16 @@ bool WriteInstalledGames(SettingsStore& store, const std::vector<InstalledGame>&
 std::string GetGameTitle(Game& game, const std::string& path);
 
 // Adds the game at `path` to the end of the installed list under its title. A file that cannot
-// be read or has no title is not added: the player is told why. True when it was added.
+// be read or has no title is not added; `error` then says why, as the box titled "Error" tells
+// the player.
+struct InstallResult {
+  bool added = false;
+  std::string error;
+};
+InstallResult InstallGame(Game& game, SettingsStore& store, const std::string& path);
+
+// InstallGame, telling the player through the game's host why a game was not added. True when
+// it was added and the store kept it.
 bool AddInstalledGame(Game& game, SettingsStore& store, const std::string& path);
 
 // True when `path` names the same file as an entry of the installed list.
