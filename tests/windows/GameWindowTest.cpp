@@ -34,6 +34,7 @@
 #include "player/windows/frmDunMsgBox.h"
 #include "player/windows/frmGWLLog.h"
 #include "player/windows/frmMain.h"
+#include "player/windows/frmOptions.h"
 #include "player/windows/frmPic.h"
 #include "player/windows/frmSelection.h"
 #include "player/windows/frmStringVariables.h"
@@ -51,10 +52,11 @@ bool AnyDunMsgBoxExists() {
 }
 
 // Runs `act` on the application's modal window once one of kind `Dialog` has opened; other
-// modal windows that open first are left to their own answers. Gives up after about five
-// seconds, so a dialog that never opens fails its test instead of hanging it.
+// modal windows that open first are left to their own answers. A loaded machine can take
+// seconds to open a file dialog, so this waits up to about thirty seconds; then the test fails
+// and whatever modal window is open is closed, so that the test never hangs.
 template <typename Dialog>
-void WhenOpens(std::function<void(Dialog*)> act, int tries = 500) {
+void WhenOpens(std::function<void(Dialog*)> act, int tries = 3000) {
   QTimer::singleShot(10, [act = std::move(act), tries]() mutable {
     if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
       act(dialog);
@@ -62,6 +64,7 @@ void WhenOpens(std::function<void(Dialog*)> act, int tries = 500) {
       WhenOpens<Dialog>(std::move(act), tries - 1);
     } else {
       ADD_FAILURE() << "the expected dialog did not open";
+      if (QWidget* modal = QApplication::activeModalWidget()) modal->close();
     }
   });
 }
@@ -150,7 +153,7 @@ class GameWindowTest : public testing::Test {
     poll->setInterval(5);
     QObject::connect(poll, &QTimer::timeout, &window(), [this, poll, act = std::move(act)] {
       if (!player_->waiting_for_key() && !player_->waiting_for_line()) {
-        if (poll->property("tries").toInt() > 1000) {
+        if (poll->property("tries").toInt() > 6000) {
           poll->stop();
           ADD_FAILURE() << "the game never waited";
         }
@@ -506,6 +509,18 @@ TEST_F(GameWindowTest, GameOverLeavesOnlyLoadingRestartingAndLeaving) {
   EXPECT_TRUE(window().mnuRestart()->isEnabled());
   EXPECT_TRUE(window().mnuDifferentGame()->isEnabled());
   EXPECT_TRUE(window().lblStatus()->text().startsWith(QStringLiteral("GAME OVER")));
+}
+
+TEST_F(GameWindowTest, OptionsWindowOpensFromTheMenuAndItsLabelColoursApply) {
+  Open();
+  ASSERT_TRUE(window().mnuOptions()->isEnabled());
+  WhenOpens<frmOptions>([](frmOptions* options) {
+    options->txtLabelBackground()->setText(QStringLiteral("003366"));
+    options->butOK()->click();
+  });
+  window().mnuOptions()->trigger();
+  EXPECT_EQ(player_->game().settings.label_background_colour, "003366");
+  EXPECT_EQ(window().lblLocation()->palette().color(QPalette::Window), QColor(0x00, 0x33, 0x66));
 }
 
 TEST_F(GameWindowTest, LogWindowAndViewersFollowTheGame) {

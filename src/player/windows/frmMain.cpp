@@ -28,6 +28,7 @@
 #include "player/windows/RichOutputPane.h"
 #include "player/windows/WindowText.h"
 #include "player/windows/frmGWLLog.h"
+#include "player/windows/frmOptions.h"
 #include "player/windows/frmStringVariables.h"
 
 namespace tarve {
@@ -300,9 +301,13 @@ void frmMain::BuildMenus() {
     if (player_ != nullptr) player_->MenuDifferentGame();
   });
   tarve->addSeparator();
-  // The options window comes with its own change; until then the entry shows where it will be.
-  mnu_options_ = tarve->addAction(tr("&Options..."));
-  mnu_options_->setEnabled(false);
+  mnu_options_ = tarve->addAction(tr("&Options..."), this, [this] {
+    if (player_ == nullptr) return;
+    frmOptions options(player_->game().settings, player_->settings_store(), this);
+    options.exec();
+    // The label's colours are among the options; the game reads the others where it uses them.
+    ApplyLabelColours(false);
+  });
 
   QMenu* game = menuBar()->addMenu(tr("&Game"));
   game->setObjectName(QStringLiteral("mnuSaveLoad"));
@@ -484,6 +489,7 @@ void frmMain::UpdateControls() {
   mnu_save_as_->setEnabled(menus && !over);
   mnu_game_info_->setEnabled(menus && !over);
   mnu_restart_->setEnabled(menus);
+  mnu_options_->setEnabled(menus || (over && !key_wait && !line_wait));
   mnu_different_game_->setEnabled(menus);
 
   // While a key wait is pending the keys must reach the window: the pane, which stays enabled,
