@@ -15,6 +15,8 @@
 #include "player/windows/RichOutputPane.h"
 #include "player/windows/frmGWLLog.h"
 #include "player/windows/frmMain.h"
+#include "player/windows/frmNewGame.h"
+#include "player/windows/frmOptions.h"
 #include "player/windows/frmProgress.h"
 #include "player/windows/frmSelection.h"
 #include "player/windows/frmSplash.h"
@@ -125,29 +127,30 @@ void DesktopHost::ShowSplash() {
 void DesktopHost::CloseSplash() { splash_.reset(); }
 
 void DesktopHost::ShowLauncher() {
-  // Start-up does not wait for the launcher: it opens once the program's event loop runs.
-  QTimer::singleShot(0, main_.get(), [this] { RunLauncher(); });
-}
-
-void DesktopHost::RunLauncher() {
   if (player_ == nullptr || ending_) return;
-  for (;;) {
-    QFileDialog dialog(nullptr, QObject::tr("Open a game"), QString(),
-                       QString::fromUtf8(kLauncherFilter));
-    dialog.setObjectName(QStringLiteral("dlgLauncher"));
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
-      EndProgram();
-      return;
-    }
-    const std::string path = dialog.selectedFiles().constFirst().toStdString();
-    const bool saved_game = QFileInfo(dialog.selectedFiles().constFirst())
-                                .suffix()
-                                .compare(QStringLiteral("tsg"), Qt::CaseInsensitive) == 0;
-    // A file that does not open has had its message; the player picks another.
-    if (saved_game ? player_->LoadSavedGame(path) : player_->OpenGame(path)) return;
+  if (!launcher_) {
+    launcher_ = std::make_unique<frmNewGame>(player_->game(), player_->settings_store());
+    // A game or saved game that opens takes the launcher's place; one that does not has had
+    // its message, and the player picks again.
+    QObject::connect(launcher_.get(), &frmNewGame::playGame, [this](const QString& path) {
+      if (player_ != nullptr && player_->OpenGame(path.toStdString())) launcher_->hide();
+    });
+    QObject::connect(launcher_.get(), &frmNewGame::loadSavedGame, [this](const QString& path) {
+      if (player_ != nullptr && player_->LoadSavedGame(path.toStdString())) launcher_->hide();
+    });
+    QObject::connect(launcher_.get(), &frmNewGame::optionsRequested, [this] {
+      if (player_ == nullptr) return;
+      frmOptions options(player_->game().settings, player_->settings_store(), launcher_.get());
+      options.exec();
+    });
+    QObject::connect(launcher_.get(), &frmNewGame::exitRequested, [this] { EndProgram(); });
+  } else {
+    launcher_->DisplayInstalledGames();
   }
+  // Start-up does not wait for the launcher: it shows, and the program's event loop runs it.
+  launcher_->show();
+  launcher_->raise();
+  launcher_->activateWindow();
 }
 
 void DesktopHost::EndProgram() {

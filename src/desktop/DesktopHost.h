@@ -1,7 +1,6 @@
 // The desktop program's host: the output pane, the dialogs and the game window's state of the
 // engine, shown in the game window frmMain and the program's small windows. Waits keep the
-// window alive in a nested event loop; until the launcher window exists, the launcher is a
-// file-open dialog.
+// window alive in a nested event loop; the launcher lists the installed games.
 #pragma once
 
 #include <memory>
@@ -18,14 +17,12 @@ namespace tarve {
 
 class Player;
 class frmMain;
+class frmNewGame;
 class frmProgress;
 class frmSplash;
 
 class DesktopHost : public OutputPane, public Dialogs, public GameWindow {
  public:
-  // What the stand-in launcher offers: games and saved games.
-  static constexpr const char* kLauncherFilter =
-      "Tarve games (*.gwl *.cgw);;Tarve saved games (*.tsg);;All files (*)";
   // The Load and Save As dialogs.
   static constexpr const char* kSavedGameFilter = "Tarve saved game (*.tsg);;All files (*)";
 
@@ -39,6 +36,8 @@ class DesktopHost : public OutputPane, public Dialogs, public GameWindow {
   // Before the application goes: the windows no longer reach it.
   void Detach();
   frmMain& window() { return *main_; }
+  // The launcher, once it has shown; nothing before.
+  frmNewGame* launcher() const { return launcher_.get(); }
   // The program is to end: the player left the game named on the command line, or closed the
   // launcher without choosing a game.
   bool ending() const { return ending_; }
@@ -86,13 +85,11 @@ class DesktopHost : public OutputPane, public Dialogs, public GameWindow {
  private:
   // Dialogs belong to the game window while it shows, else they stand on their own.
   QWidget* DialogParent() const;
-  // The launcher's stand-in: a file dialog whose choice opens a game or loads a saved game,
-  // again until one opens; cancelling it ends the program.
-  void RunLauncher();
   void EndProgram();
 
   Player* player_ = nullptr;
   std::unique_ptr<frmMain> main_;
+  std::unique_ptr<frmNewGame> launcher_;  // made when it first shows
   std::unique_ptr<frmProgress> progress_;
   std::unique_ptr<frmSplash> splash_;
   bool busy_ = false;

@@ -34,6 +34,7 @@
 #include "player/windows/frmDunMsgBox.h"
 #include "player/windows/frmGWLLog.h"
 #include "player/windows/frmMain.h"
+#include "player/windows/frmNewGame.h"
 #include "player/windows/frmOptions.h"
 #include "player/windows/frmPic.h"
 #include "player/windows/frmSelection.h"
@@ -466,33 +467,30 @@ TEST_F(GameWindowTest, ClosingTheWindowAsksAndNoKeepsTheGame) {
   EXPECT_TRUE(window().isVisible());
   EXPECT_TRUE(player_->game_open());
 
-  // Yes leaves the game; a game not named on the command line goes back to the launcher, whose
-  // file dialog offers games and saved games. Cancelling it ends the program.
-  QStringList filters;
+  // Yes leaves the game; a game not named on the command line goes back to the launcher.
+  // Leaving the launcher ends the program.
   AnswerMessage(true);
-  AnswerFileDialog(QString(), &filters);
   EXPECT_TRUE(window().close());
   EXPECT_FALSE(window().isVisible());
   EXPECT_FALSE(player_->game_open());
-  for (int i = 0; i < 100 && !host_.ending(); ++i) QTest::qWait(10);
+  ASSERT_NE(host_.launcher(), nullptr);
+  EXPECT_TRUE(host_.launcher()->isVisible());
+  EXPECT_FALSE(host_.ending());
+  host_.launcher()->butExit()->click();
   EXPECT_TRUE(host_.ending());
-  EXPECT_EQ(filters, (QStringList{QStringLiteral("Tarve games (*.gwl *.cgw)"),
-                                  QStringLiteral("Tarve saved games (*.tsg)"),
-                                  QStringLiteral("All files (*)")}));
 }
 
 TEST_F(GameWindowTest, ClosingTheWindowDuringAWaitEndsTheWait) {
   Open();
   DuringWait([&] {
     AnswerMessage(true);
-    AnswerFileDialog(QString());
     window().close();
   });
   Type(QStringLiteral("pause"));  // returns: the wait ended with the game
   EXPECT_FALSE(window().isVisible());
   EXPECT_FALSE(player_->game_open());
-  for (int i = 0; i < 100 && !host_.ending(); ++i) QTest::qWait(10);
-  EXPECT_TRUE(host_.ending());
+  ASSERT_NE(host_.launcher(), nullptr);
+  EXPECT_TRUE(host_.launcher()->isVisible());
 }
 
 TEST_F(GameWindowTest, GameOverLeavesOnlyLoadingRestartingAndLeaving) {
