@@ -480,6 +480,26 @@ TEST_F(GameWindowTest, ClosingTheWindowAsksAndNoKeepsTheGame) {
   EXPECT_TRUE(host_.ending());
 }
 
+TEST_F(GameWindowTest, WithoutAGameTheLauncherOpensAndAGameChosenThereTakesItsPlace) {
+  Player::StartOptions start;
+  start.seed = 1;
+  EXPECT_EQ(player_->Start("", start), Player::Started::kLauncher);
+  ASSERT_NE(host_.launcher(), nullptr);
+  EXPECT_TRUE(host_.launcher()->isVisible());
+  EXPECT_FALSE(window().isVisible());
+
+  emit host_.launcher()->playGame(QString::fromStdString(kWindowGame));
+  EXPECT_TRUE(player_->game_open());
+  EXPECT_TRUE(window().isVisible());
+  EXPECT_FALSE(host_.launcher()->isVisible());
+
+  // Leaving the game comes back to the same launcher.
+  AnswerMessage(true);
+  window().mnuDifferentGame()->trigger();
+  EXPECT_FALSE(window().isVisible());
+  EXPECT_TRUE(host_.launcher()->isVisible());
+}
+
 TEST_F(GameWindowTest, ClosingTheWindowDuringAWaitEndsTheWait) {
   Open();
   DuringWait([&] {
