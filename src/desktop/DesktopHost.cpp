@@ -7,6 +7,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QPushButton>
 #include <QTimer>
 
 #include "game/Game.h"
@@ -151,6 +152,10 @@ void DesktopHost::ShowLauncher() {
   launcher_->show();
   launcher_->raise();
   launcher_->activateWindow();
+  // Enter plays the first installed game: the keyboard starts where the games are.
+  if (QPushButton* first = launcher_->butInstalledGame(0); first != nullptr && first->isVisible()) {
+    first->setFocus();
+  }
 }
 
 void DesktopHost::EndProgram() {
