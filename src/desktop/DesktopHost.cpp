@@ -5,10 +5,8 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QInputDialog>
 #include <QPushButton>
-#include <QTimer>
 
 #include "game/Game.h"
 #include "player/Player.h"

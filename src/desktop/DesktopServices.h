@@ -9,7 +9,6 @@
 
 namespace tarve {
 
-struct Game;
 class frmPic;
 
 class DesktopServices : public SystemServices {
@@ -17,15 +16,11 @@ class DesktopServices : public SystemServices {
   explicit DesktopServices(Options options);
   ~DesktopServices() override;
 
-  // The game whose log notes a picture, a sound or music that cannot be played.
-  void Attach(Game& game);
-
   // Opens the picture window (one, reused) sized to the picture.
   void ShowPicture(const std::string& path) override;
   frmPic* PictureWindow() const { return picture_.get(); }
 
  private:
-  Game* game_ = nullptr;
   std::unique_ptr<frmPic> picture_;
 };
 

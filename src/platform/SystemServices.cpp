@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "game/ScriptLog.h"
 #include "platform/MidiPlayer.h"
 #include "platform/WavePlayer.h"
 
@@ -29,7 +30,7 @@ SystemServices::SystemServices(Options options) : options_(options) {}
 SystemServices::~SystemServices() = default;
 
 void SystemServices::Log(std::string_view message) {
-  if (log_) log_(message);
+  if (game_ != nullptr) LogScriptError(*game_, message);
 }
 
 void SystemServices::PlayWave(const std::string& path, bool sync) {
@@ -55,8 +56,10 @@ PlatformServices::OpenResult SystemServices::OpenDocument(const std::string& pat
   // The desktop decides how a document opens; asking for it minimised cannot be passed on.
   (void)minimised;
   if (!HasDesktop()) return OpenResult::kNoAssociation;
-  const bool address = path.find(':') != std::string::npos && !std::filesystem::exists(path);
-  if (!address && !std::filesystem::exists(path)) return OpenResult::kNotFound;
+  // A name that is no file may still be an address ("mailto:...") the desktop can open.
+  if (!std::filesystem::exists(path) && path.find(':') == std::string::npos) {
+    return OpenResult::kNotFound;
+  }
   const bool started = QProcess::startDetached(QStringLiteral("xdg-open"),
                                                QStringList{QString::fromStdString(path)});
   return started ? OpenResult::kOpened : OpenResult::kNoAssociation;

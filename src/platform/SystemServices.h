@@ -3,7 +3,6 @@
 // programs.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,6 +11,7 @@
 
 namespace tarve {
 
+struct Game;
 class MidiPlayer;
 class WavePlayer;
 
@@ -27,9 +27,9 @@ class SystemServices : public PlatformServices {
   SystemServices(const SystemServices&) = delete;
   SystemServices& operator=(const SystemServices&) = delete;
 
-  // Where the services' warnings go (a sound that cannot be played, no audio device): the
-  // script log of the game being played.
-  void SetLog(std::function<void(std::string_view)> log) { log_ = std::move(log); }
+  // The game whose script log takes the services' warnings (a sound that cannot be played, no
+  // audio device). Until one is attached they go nowhere.
+  void Attach(Game& game) { game_ = &game; }
 
   void PlayWave(const std::string& path, bool sync) override;
   void PlayMidi(const std::string& path) override;
@@ -38,11 +38,12 @@ class SystemServices : public PlatformServices {
   OpenResult OpenDocument(const std::string& path, bool minimised) override;
   void Sleep(int milliseconds) override;
 
- private:
+ protected:
   void Log(std::string_view message);
 
+ private:
   Options options_;
-  std::function<void(std::string_view)> log_;
+  Game* game_ = nullptr;
   // Made on the first sound, so that a game without sounds never starts the audio system.
   std::unique_ptr<WavePlayer> wave_;
   std::unique_ptr<MidiPlayer> midi_;

@@ -14,7 +14,6 @@
 #include <vector>
 
 #include "base/Files.h"
-#include "game/ScriptLog.h"
 #include "platform/QtSettingsStore.h"
 #include "platform/SystemServices.h"
 #include "player/OpenGame.h"
@@ -78,7 +77,7 @@ int Run(const std::vector<std::string>& args) {
                     ? std::make_unique<QtSettingsStore>()
                     : std::make_unique<QtSettingsStore>(options->settings_dir));
   host.Attach(player);
-  services.SetLog([&player](std::string_view message) { LogScriptError(player.game(), message); });
+  services.Attach(player.game());
   Player::StartOptions start;
   if (options->seed) start.seed = static_cast<std::uint32_t>(*options->seed);
   start.program_folder = FindDataFolder(TARVE_INSTALLED_DATA_DIR);
