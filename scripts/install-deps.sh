@@ -5,6 +5,10 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config
   libutf8proc-dev
+  # Line editing and history in the terminal player.
+  libedit-dev
+  # The terminal player's tests read its screen through a terminal emulator.
+  python3 python3-pyte
   qt6-base-dev
   qt6-multimedia-dev
   libfluidsynth-dev timgm6mb-soundfont

@@ -17,7 +17,18 @@ const char* const kUsage =
     "  --transcript FILE  copy the output to FILE\n"
     "  --plain            write text without styles, even on a terminal\n"
     "  --blank-line       print a blank line after each turn\n"
-    "  --help             show this help\n";
+    "  --width N          wrap the text at N columns (default: the terminal's width;\n"
+    "                     piped output is not wrapped)\n"
+    "  --no-status        no status line at the top of the terminal\n"
+    "  -h, --help         show this help\n"
+    "  --version          show the version\n"
+    "\n"
+    "While playing, commands that begin with # are the player's own: type #help.\n";
+
+#ifndef TARVE_VERSION
+#define TARVE_VERSION "unknown"
+#endif
+const char* const kVersion = "tarve-cli " TARVE_VERSION "\n";
 
 std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& args,
                                             std::string& error) {
@@ -26,6 +37,10 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& args
   bool options_done = false;
   for (std::size_t i = 0; i < args.size(); ++i) {
     const std::string& arg = args[i];
+    if (!options_done && arg == "-h") {
+      result.help = true;
+      continue;
+    }
     if (options_done || arg.size() < 2 || arg[0] != '-' || arg[1] != '-') {
       files.push_back(arg);
       continue;
@@ -48,6 +63,20 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& args
       result.blank_line = true;
     } else if (arg == "--help") {
       result.help = true;
+    } else if (arg == "--version") {
+      result.version = true;
+    } else if (arg == "--no-status") {
+      result.no_status = true;
+    } else if (arg == "--width") {
+      std::string text;
+      if (!value(text)) return std::nullopt;
+      int width = 0;
+      auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), width);
+      if (ec != std::errc() || end != text.data() + text.size() || width < 10) {
+        error = "tarve-cli: --width needs a number of columns, 10 or more, not '" + text + "'";
+        return std::nullopt;
+      }
+      result.width = width;
     } else if (arg == "--log") {
       if (!value(result.log_file)) return std::nullopt;
     } else if (arg == "--settings") {

@@ -12,10 +12,14 @@ struct CommandLine {
   bool plain = false;
   bool blank_line = false;
   bool help = false;
+  bool version = false;
+  bool no_status = false;  // no status line at the top of a terminal
   std::string log_file;
   std::string settings_dir;  // empty: the user's own settings
   std::string transcript_file;
   std::optional<unsigned long> seed;
+  // Wrap the text at this many columns; unset: a terminal's own width, no wrapping when piped.
+  std::optional<int> width;
   // The file to open: the remaining arguments joined by single blanks, as the player has always
   // taken its command line as one string. Empty: the player picks an installed game.
   std::string file;
@@ -26,5 +30,7 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& args
                                             std::string& error);
 
 extern const char* const kUsage;
+// The program's name and version, as --version prints it.
+extern const char* const kVersion;
 
 }  // namespace tarve

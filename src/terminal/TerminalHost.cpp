@@ -1,10 +1,15 @@
 #include "terminal/TerminalHost.h"
 
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <charconv>
 
 #include "base/Text.h"
 #include "player/Player.h"
 #include "player/Settings.h"
+#include "terminal/PlayerCommands.h"
 
 namespace tarve {
 
@@ -13,13 +18,61 @@ namespace {
 // The selection dialog has room for eight answers; later ones are never offered.
 constexpr std::size_t kShownAnswers = 8;
 
+// A yes/no answer: y, yes, o, ok for yes; n, no, c, cancel for no; nothing for anything else.
+std::optional<bool> YesOrNo(std::string_view answer) {
+  const std::string word = LCase(std::string(TrimView(answer)));
+  if (word == "y" || word == "yes" || word == "o" || word == "ok") return true;
+  if (word == "n" || word == "no" || word == "c" || word == "cancel") return false;
+  return std::nullopt;
+}
+
+// The number `text` when it is one from 1 to `count`.
+std::optional<std::size_t> NumberInRange(std::string_view text, std::size_t count) {
+  text = TrimView(text);
+  std::size_t number = 0;
+  auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (ec != std::errc() || end != text.data() + text.size() || number < 1 || number > count) {
+    return std::nullopt;
+  }
+  return number;
+}
+
 }  // namespace
 
-TerminalHost::TerminalHost(std::istream& in, std::ostream& out, bool terminal, bool styled)
-    : in_(in), out_(out), terminal_(terminal), styled_(styled) {}
+bool SameFile(const std::string& a, const std::string& b) {
+  struct stat first {};
+  struct stat second {};
+  return !a.empty() && !b.empty() && stat(a.c_str(), &first) == 0 &&
+         stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+         first.st_ino == second.st_ino;
+}
+
+TerminalHost::TerminalHost(std::istream& in, std::ostream& out, Options options)
+    : in_(in),
+      out_(out),
+      options_(std::move(options)),
+      terminal_(options_.terminal),
+      styled_(options_.styled) {
+  if (options_.interactive) editor_ = std::make_unique<LineEditor>();
+  if (options_.status_line) {
+    // The text scrolls below the status line, starting at the bottom of the screen.
+    winsize size{};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 2) {
+      out_ << "\x1b[" << size.ws_row << ";1H";
+      DrawStatusLine();
+    } else {
+      options_.status_line = false;
+    }
+  }
+}
 
 TerminalHost::~TerminalHost() {
+  std::string rest;
+  wrapper_.Flush(rest);
+  out_ << rest;
   if (styled_ && style_emitted_) out_ << "\x1b[0m";
+  // The whole screen scrolls again.
+  if (status_rows_ > 0) out_ << "\0337\x1b[r\0338";
   out_.flush();
 }
 
@@ -29,15 +82,36 @@ bool TerminalHost::OpenLogFile(const std::string& path) {
 }
 
 bool TerminalHost::OpenTranscript(const std::string& path) {
-  transcript_.open(path, std::ios::binary | std::ios::trunc);
+  transcript_.close();
+  transcript_.clear();
+  transcript_.open(path, std::ios::binary | std::ios::app);
   return static_cast<bool>(transcript_);
 }
 
-std::optional<std::string> TerminalHost::ReadLine() {
+int TerminalHost::ScreenWidth() const {
+  if (options_.width >= 0) return options_.width;
+  winsize size{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return 0;
+  return size.ws_col;
+}
+
+std::optional<std::string> TerminalHost::ReadInput(const std::string& prompt) {
+  std::string rest;
+  wrapper_.Flush(rest);
+  out_ << rest;
   out_.flush();
   if (transcript_.is_open()) transcript_.flush();
+  if (input_ended_) return std::nullopt;
+  if (editor_) {
+    DrawStatusLine();
+    out_.flush();
+    std::optional<std::string> line = editor_->Read(prompt);
+    wrapper_.AtLineStart();
+    if (!line) input_ended_ = true;
+    return line;
+  }
   std::string line;
-  if (input_ended_ || !std::getline(in_, line)) {
+  if (!std::getline(in_, line)) {
     input_ended_ = true;
     return std::nullopt;
   }
@@ -45,7 +119,53 @@ std::optional<std::string> TerminalHost::ReadLine() {
   return line;
 }
 
-void TerminalHost::Write(std::string_view text) {
+std::optional<std::string> TerminalHost::ReadLine() {
+  echo_expected_.clear();
+  echo_held_.clear();
+  const bool takes_commands = player_ != nullptr && player_->game_open() &&
+                              !player_->waiting_for_key() && !player_->waiting_for_line() &&
+                              !player_->game_over();
+  if (editor_ && player_ != nullptr && player_->game_open()) {
+    editor_->UseHistoryFile(HistoryFileFor(options_.data_folder, player_->game().game_file));
+  }
+  const bool answers_enter = player_ != nullptr && player_->waiting_for_line();
+  std::optional<std::string> line = ReadInput(takes_commands ? "> " : "");
+  if (!line) return line;
+  if (answers_enter && transcript_.is_open()) transcript_ << PrintableText(*line) << "\n";
+  if (editor_ && takes_commands && !line->empty()) {
+    editor_->Remember(*line);
+    // The line stands on the screen after its prompt already.
+    if ((*line)[0] != '#') echo_expected_ = "> " + *line + "\r\n";
+  }
+  return line;
+}
+
+void TerminalHost::Submit(const std::string& line) {
+  if (player_ == nullptr) return;
+  if (!line.empty() && line[0] == '#' && !player_->waiting_for_key() &&
+      !player_->waiting_for_line()) {
+    RunPlayerCommand(*this, *player_, line);
+    return;
+  }
+  player_->SubmitCommand(line);
+}
+
+std::optional<std::string> TerminalHost::ReadAnswer(const std::string& prompt) {
+  std::optional<std::string> answer = ReadInput(editor_ ? prompt : std::string());
+  if (answer && transcript_.is_open()) {
+    transcript_ << PrintableText((editor_ ? prompt : std::string()) + *answer) << "\n";
+  }
+  return answer;
+}
+
+void TerminalHost::Screen(std::string_view text) {
+  wrapper_.SetWidth(ScreenWidth());
+  std::string out;
+  wrapper_.Put(text, out);
+  out_ << out;
+}
+
+void TerminalHost::Write(std::string_view text, bool to_screen) {
   // The pane's line breaks are CR LF; a terminal wants LF.
   std::string converted;
   converted.reserve(text.size());
@@ -53,8 +173,9 @@ void TerminalHost::Write(std::string_view text) {
     if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
     converted.push_back(text[i]);
   }
-  out_ << converted;
-  if (transcript_.is_open()) transcript_ << converted;
+  const std::string printable = PrintableText(converted);
+  if (to_screen) Screen(printable);
+  if (transcript_.is_open()) transcript_ << printable;
 }
 
 void TerminalHost::WriteLine(std::string_view text) {
@@ -79,14 +200,14 @@ void TerminalHost::EmitStyle() {
   else if (colour_ == Rgb{0, 128, 0})
     sgr += ";32";
   sgr += "m";
-  out_ << sgr;
+  Screen(sgr);
   style_dirty_ = false;
   style_emitted_ = true;
 }
 
 void TerminalHost::ResetStyle() {
   if (styled_ && style_emitted_) {
-    out_ << "\x1b[0m";
+    Screen("\x1b[0m");
     style_dirty_ = true;
   }
 }
@@ -94,6 +215,19 @@ void TerminalHost::ResetStyle() {
 void TerminalHost::InsertText(std::string_view text) {
   // Once the player has quit, the game's window is gone: nothing more is shown.
   if (text.empty() || closed_) return;
+  if (!echo_expected_.empty()) {
+    // The line editor already shows the command: the game's echo of it goes to the transcript.
+    if (echo_expected_.starts_with(text)) {
+      echo_expected_.erase(0, text.size());
+      echo_held_ += text;
+      Write(text, /*to_screen=*/false);
+      return;
+    }
+    // Not the echo after all: what was held back is shown.
+    Screen(PrintableText(echo_held_));
+    echo_expected_.clear();
+    echo_held_.clear();
+  }
   EmitStyle();
   Write(text);
   pane_has_text_ = true;
@@ -119,8 +253,61 @@ void TerminalHost::SetColour(Rgb colour) {
 void TerminalHost::ClearOutput() {
   // A pipe or a file keeps everything: only a screen is cleared, and only when the game has
   // written on it (opening a game clears its empty pane, which must not wipe the terminal).
-  if (terminal_ && !closed_ && pane_has_text_) out_ << "\x1b[2J\x1b[H";
+  if (options_.ansi && !closed_ && pane_has_text_) {
+    std::string rest;
+    wrapper_.Flush(rest);
+    out_ << rest << "\x1b[2J" << (options_.status_line ? "\x1b[2;1H" : "\x1b[H");
+    wrapper_.AtLineStart();
+    status_rows_ = 0;  // drawn again below, with its scroll region
+    DrawStatusLine();
+  }
   pane_has_text_ = false;
+}
+
+void TerminalHost::SetLocation(const std::string& location) {
+  location_ = location;
+  DrawStatusLine();
+}
+
+void TerminalHost::SetStatusText(const std::string& text) {
+  status_text_ = text;
+  DrawStatusLine();
+}
+
+void TerminalHost::DrawStatusLine() {
+  if (!options_.status_line || closed_) return;
+  winsize size{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_row < 3 || size.ws_col == 0) return;
+  // The location on the left, the game's status text on the right, cut to the screen's width.
+  const std::string left = " " + PrintableText(Trim(location_));
+  const std::string right = PrintableText(status_text_) + " ";
+  auto columns = [](const std::string& text) {
+    int count = 0;
+    for (const char c : text) count += (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    return count;
+  };
+  const int width = size.ws_col;
+  std::string line = left;
+  const int gap = width - columns(left) - columns(right);
+  if (gap > 0) line += std::string(static_cast<std::size_t>(gap), ' ') + right;
+  std::string cut;
+  int used = 0;
+  for (const char c : line) {
+    const bool starts = (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    if (starts && used == width) break;
+    used += starts;
+    cut.push_back(c);
+  }
+  cut.append(static_cast<std::size_t>(width - used), ' ');
+  std::string sequence = "\0337";
+  // The scroll region keeps the game's text off the status line; setting it moves the cursor,
+  // which is saved and restored around.
+  if (size.ws_row != status_rows_) {
+    sequence += "\x1b[2;" + std::to_string(size.ws_row) + "r";
+    status_rows_ = size.ws_row;
+  }
+  sequence += "\x1b[1;1H\x1b[0;7m" + cut + "\x1b[0m\0338";
+  out_ << sequence;
 }
 
 int TerminalHost::ShowMessage(const std::string& text, const std::string& title, int style) {
@@ -128,11 +315,25 @@ int TerminalHost::ShowMessage(const std::string& text, const std::string& title,
   const bool asks = buttons == kYesNo || buttons == kOkCancel;
   if (closed_) return buttons == kYesNo ? kAnswerNo : (asks ? kAnswerCancel : kAnswerOk);
   ResetStyle();
-  WriteLine("[" + title + "] " + text);
+  const std::string message = "[" + title + "] " + text;
+  if (!asks || !editor_) WriteLine(message);
   if (!asks) return kAnswerOk;
-  std::optional<std::string> answer = ReadLine();
-  const bool yes = answer && !answer->empty() &&
-                   (StartsWithNoCase(*answer, "y") || StartsWithNoCase(*answer, "o"));
+  bool yes = false;
+  if (editor_) {
+    // On a terminal only a clear answer counts; the end of the input answers no.
+    for (;;) {
+      std::optional<std::string> answer = ReadAnswer(message + " (y/n) ");
+      if (!answer) break;
+      if (std::optional<bool> choice = YesOrNo(*answer)) {
+        yes = *choice;
+        break;
+      }
+    }
+  } else {
+    std::optional<std::string> answer = ReadAnswer("");
+    yes = answer && !answer->empty() &&
+          (StartsWithNoCase(*answer, "y") || StartsWithNoCase(*answer, "o"));
+  }
   if (buttons == kYesNo) return yes ? kAnswerYes : kAnswerNo;
   return yes ? kAnswerOk : kAnswerCancel;
 }
@@ -141,8 +342,10 @@ std::optional<std::string> TerminalHost::InputBox(const std::string& title,
                                                   const std::string& prompt) {
   if (closed_) return std::nullopt;
   ResetStyle();
-  WriteLine("[" + title + "] " + prompt);
-  return ReadLine();
+  const std::string line = "[" + title + "] " + prompt;
+  if (editor_) return ReadAnswer(line + " ");
+  WriteLine(line);
+  return ReadAnswer("");
 }
 
 void TerminalHost::ScriptLogAppended(std::string_view message) {
@@ -168,7 +371,7 @@ void TerminalHost::ProcessEventsUntil(const std::function<bool()>& done) {
       player_->EndOfInput();
       return;
     }
-    player_->SubmitCommand(*line);
+    Submit(*line);
   }
 }
 
@@ -183,17 +386,18 @@ int TerminalHost::ShowSelection(const std::string& prompt,
   for (std::size_t i = 0; i < shown; ++i) {
     WriteLine("  " + std::to_string(i + 1) + ". " + answers[i]);
   }
-  // The dialog opens with its first answer chosen: anything but the number of another answer
-  // confirms that one. When the input has ended, nobody confirms anything.
-  std::optional<std::string> line = ReadLine();
-  if (!line) return -1;
-  const std::string_view text = TrimView(*line);
-  std::size_t number = 0;
-  auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (ec != std::errc() || end != text.data() + text.size() || number < 1 || number > shown) {
-    return 0;
+  // On a terminal the question is asked until a number in range comes. Piped, the dialog opens
+  // with its first answer chosen: anything but the number of another answer confirms that one.
+  // When the input has ended, nobody confirms anything.
+  const std::string question = "Type a number (1 to " + std::to_string(shown) + "): ";
+  for (;;) {
+    std::optional<std::string> line = ReadAnswer(question);
+    if (!line) return -1;
+    if (std::optional<std::size_t> number = NumberInRange(*line, shown)) {
+      return static_cast<int>(*number) - 1;
+    }
+    if (!editor_) return 0;
   }
-  return static_cast<int>(number) - 1;
 }
 
 std::optional<std::string> TerminalHost::ChooseSavedGameFile(bool save) {
@@ -217,8 +421,9 @@ void TerminalHost::ShowLauncher() {
   }
   const std::string range = "1 to " + std::to_string(games.size());
   for (;;) {
-    WriteLine("Type the number of the game to play (" + range + "):");
-    std::optional<std::string> line = ReadLine();
+    const std::string question = "Type the number of the game to play (" + range + "):";
+    if (!editor_) WriteLine(question);
+    std::optional<std::string> line = ReadAnswer(question + " ");
     if (!line) {
       nothing_chosen_ = true;
       return;

@@ -1,36 +1,55 @@
 // The terminal player's host: the output pane becomes standard output (with ANSI styles on a
 // terminal), message boxes and dialogs become lines that are printed and answered on standard
 // input, waiting for the player means reading the next input line, and the launcher is a
-// numbered list of the installed games.
+// numbered list of the installed games. On a terminal the lines are edited with history, the text
+// is wrapped at the screen's width, and a status line shows where the player is.
 #pragma once
 
 #include <cstdio>
 #include <fstream>
 #include <istream>
+#include <memory>
 #include <ostream>
 #include <string>
 
 #include "game/Host.h"
+#include "terminal/LineEditor.h"
+#include "terminal/ScreenText.h"
 
 namespace tarve {
 
 class Player;
 
+// The same file (device and inode, through links): a file the run reads is never written.
+bool SameFile(const std::string& a, const std::string& b);
+
 class TerminalHost : public OutputPane, public Dialogs, public GameWindow {
  public:
-  // `terminal`: standard output is a terminal (the screen can be cleared, pauses are kept);
-  // `styled`: the formatting codes become ANSI styles.
-  TerminalHost(std::istream& in, std::ostream& out, bool terminal, bool styled);
+  struct Options {
+    bool terminal = false;     // standard output is a terminal (pauses are kept)
+    bool ansi = false;         // ... and it takes escape sequences (TERM is not "dumb")
+    bool styled = false;       // the formatting codes become ANSI styles
+    bool interactive = false;  // both ends are a terminal: lines are edited, answers checked
+    bool status_line = false;  // the top line shows the location and the status text
+    int width = 0;             // wrap at this width; -1: the terminal's, 0: no wrapping
+    std::string data_folder;   // the user's data folder (the command history)
+  };
+  TerminalHost(std::istream& in, std::ostream& out, Options options);
   ~TerminalHost() override;
 
   // The player whose command box the input lines reach.
   void Attach(Player& player) { player_ = &player; }
 
   bool OpenLogFile(const std::string& path);
+  // Appends to `path`; false when it cannot be written.
   bool OpenTranscript(const std::string& path);
+  void CloseTranscript() { transcript_.close(); }
 
-  // The next input line without its line end; nothing at the end of the input.
+  // The next line for the command box (on a terminal after the prompt "> ", kept in the
+  // history); nothing at the end of the input.
   std::optional<std::string> ReadLine();
+  // Hands a line to the command box, or runs it as a player command when it begins with "#".
+  void Submit(const std::string& line);
   bool InputEnded() const { return input_ended_; }
   // The player quit: the game is closed and the program ends.
   bool Closed() const { return closed_; }
@@ -46,6 +65,8 @@ class TerminalHost : public OutputPane, public Dialogs, public GameWindow {
   void SetUnderline(bool on) override;
   void SetColour(Rgb colour) override;
   void ClearOutput() override;
+  void SetLocation(const std::string& location) override;
+  void SetStatusText(const std::string& text) override;
 
   int ShowMessage(const std::string& text, const std::string& title, int style) override;
   std::optional<std::string> InputBox(const std::string& title, const std::string& prompt) override;
@@ -57,15 +78,33 @@ class TerminalHost : public OutputPane, public Dialogs, public GameWindow {
   void CloseGame(bool end_program) override;
 
  private:
-  void Write(std::string_view text);
+  // Writes game or player text: to the screen (wrapped) and to the transcript.
+  void Write(std::string_view text, bool to_screen = true);
+  // Writes to the screen only, through the wrapper (style sequences).
+  void Screen(std::string_view text);
+  // Reads an answer to a question; on a terminal `prompt` stands before it. Recorded in the
+  // transcript.
+  std::optional<std::string> ReadAnswer(const std::string& prompt);
+  std::optional<std::string> ReadInput(const std::string& prompt);
+  int ScreenWidth() const;
+  void DrawStatusLine();
   void EmitStyle();
   // Message boxes and dialogs are written in the terminal's own colours.
   void ResetStyle();
 
   std::istream& in_;
   std::ostream& out_;
+  Options options_;
   bool terminal_;
   bool styled_;
+  std::unique_ptr<LineEditor> editor_;  // only when interactive
+  LineWrapper wrapper_;
+  // The game's echo of a command the line editor already shows: what is still to come of it,
+  // and what was held back of it so far (shown after all if the text turns out otherwise).
+  std::string echo_expected_;
+  std::string echo_held_;
+  std::string location_, status_text_;
+  int status_rows_ = 0;  // the terminal's rows when the scroll region was last set
   bool input_ended_ = false;
   bool closed_ = false;
   bool nothing_chosen_ = false;

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QtGlobal>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -14,9 +15,11 @@
 #include <vector>
 
 #include "base/Files.h"
+#include "base/Text.h"
 #include "platform/QtSettingsStore.h"
 #include "platform/SystemServices.h"
 #include "player/OpenGame.h"
+#include "player/OptionsForm.h"
 #include "player/Player.h"
 #include "terminal/CommandLine.h"
 #include "terminal/TerminalHost.h"
@@ -43,6 +46,25 @@ void Dump(TerminalHost& host, const GameText& text) {
   }
 }
 
+// Interrupted (Ctrl-C, also during a pause): the terminal gets its own colours back and the whole
+// screen scrolls again before the program ends as the signal says.
+void RestoreTerminal(int signal_number) {
+  constexpr char kReset[] = "\x1b[0m\0337\x1b[r\0338";
+  if (write(STDOUT_FILENO, kReset, sizeof kReset - 1) < 0) {
+    // Nothing more can be done for the terminal.
+  }
+  std::signal(signal_number, SIG_DFL);
+  std::raise(signal_number);
+}
+
+// A transcript or log named like a game or a saved game, or naming the file played, would be
+// written over a file this run reads (or a game kept for later).
+bool ReadByThisRun(const std::string& path, const std::string& played) {
+  const std::string extension = LCase(CharRight(path, 4));
+  return extension == ".gwl" || extension == ".cgw" || extension == ".tsg" ||
+         SameFile(path, played);
+}
+
 int Run(const std::vector<std::string>& args) {
   std::string error;
   std::optional<CommandLine> options = ParseCommandLine(args, error);
@@ -54,9 +76,32 @@ int Run(const std::vector<std::string>& args) {
     std::cout << kUsage;
     return 0;
   }
-  const bool terminal = isatty(STDOUT_FILENO) != 0;
-  const bool styled = !options->plain && terminal && std::getenv("NO_COLOR") == nullptr;
-  TerminalHost host(std::cin, std::cout, terminal, styled);
+  if (options->version) {
+    std::cout << kVersion;
+    return 0;
+  }
+  for (const std::string* path : {&options->log_file, &options->transcript_file}) {
+    if (!path->empty() && ReadByThisRun(*path, options->file)) {
+      std::cerr << "tarve-cli: " << *path
+                << " is a game or a saved game: it is not written over. Name another file.\n";
+      return 2;
+    }
+  }
+  TerminalHost::Options screen;
+  screen.terminal = isatty(STDOUT_FILENO) != 0;
+  const char* term = std::getenv("TERM");
+  screen.ansi = screen.terminal && term != nullptr && std::string(term) != "dumb";
+  screen.styled = !options->plain && screen.ansi && std::getenv("NO_COLOR") == nullptr;
+  screen.interactive = screen.terminal && isatty(STDIN_FILENO) != 0 && !options->dump;
+  screen.status_line = screen.interactive && screen.ansi && !options->no_status;
+  screen.width = options->width ? *options->width : (screen.terminal ? -1 : 0);
+  screen.data_folder = UserDataFolder();
+  if (screen.ansi) {
+    std::signal(SIGINT, RestoreTerminal);
+    std::signal(SIGTERM, RestoreTerminal);
+  }
+  const bool terminal = screen.terminal;
+  TerminalHost host(std::cin, std::cout, screen);
   if (!options->log_file.empty() && !host.OpenLogFile(options->log_file)) {
     std::cerr << "tarve-cli: cannot write the log file " << options->log_file << "\n";
     return 2;
@@ -107,7 +152,7 @@ int Run(const std::vector<std::string>& args) {
   while (!host.Closed() && !player.game_over()) {
     std::optional<std::string> line = host.ReadLine();
     if (!line) break;
-    player.SubmitCommand(*line);
+    host.Submit(*line);
   }
   return 0;
 }
