@@ -14,7 +14,7 @@ const char* const kUsage =
     "  --settings DIR     keep the settings in DIR/Tarve.conf instead of the user's\n"
     "                     ~/.config/Tarve/Tarve.conf\n"
     "  --seed N           seed the random numbers with N\n"
-    "  --transcript FILE  copy the output to FILE\n"
+    "  --transcript FILE  append the output and the answers typed to FILE\n"
     "  --plain            write text without styles, even on a terminal\n"
     "  --blank-line       print a blank line after each turn\n"
     "  --width N          wrap the text at N columns (default: the terminal's width;\n"

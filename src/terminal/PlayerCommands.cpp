@@ -24,13 +24,14 @@ struct PlayerCommand {
   void (*run)(Context& context, const std::string& argument);
 };
 
-// The game's own file is never written to; nor is the saved game when `saved_game_too`.
-bool IsGameFile(Context& c, const std::string& path, bool saved_game_too = false) {
-  if (!SameFile(path, c.player.game().game_file) &&
-      !(saved_game_too && SameFile(path, c.player.game().run.current_saved_game_path))) {
+// The game's own file is never written to; a transcript goes to no game or saved game at all.
+bool IsGameFile(Context& c, const std::string& path, bool transcript = false) {
+  if (transcript ? !NamesAGame(path, c.player.game().game_file) &&
+                       !SameFile(path, c.player.game().run.current_saved_game_path)
+                 : !SameFile(path, c.player.game().game_file)) {
     return false;
   }
-  c.host.WriteLine("The game is read from " + path + ": choose another name.");
+  c.host.WriteLine(path + " is a game or a saved game: choose another name.");
   return true;
 }
 
@@ -60,7 +61,7 @@ constexpr std::array kCommands = {
                     if (file.empty() || LCase(file) == "off") {
                       c.host.CloseTranscript();
                       c.host.WriteLine("The transcript is off.");
-                    } else if (!IsGameFile(c, file, /*saved_game_too=*/true)) {
+                    } else if (!IsGameFile(c, file, /*transcript=*/true)) {
                       c.host.WriteLine(c.host.OpenTranscript(file)
                                            ? "The transcript goes to " + file + "."
                                            : "Cannot write the transcript file " + file + ".");

@@ -47,6 +47,12 @@ bool SameFile(const std::string& a, const std::string& b) {
          first.st_ino == second.st_ino;
 }
 
+bool NamesAGame(const std::string& path, const std::string& played) {
+  const std::string extension = LCase(CharRight(path, 4));
+  return extension == ".gwl" || extension == ".cgw" || extension == ".tsg" ||
+         SameFile(path, played);
+}
+
 TerminalHost::TerminalHost(std::istream& in, std::ostream& out, Options options)
     : in_(in),
       out_(out),
@@ -107,7 +113,10 @@ std::optional<std::string> TerminalHost::ReadInput(const std::string& prompt) {
     out_.flush();
     std::optional<std::string> line = editor_->Read(prompt);
     wrapper_.AtLineStart();
-    if (!line) input_ended_ = true;
+    if (!line) {
+      input_ended_ = true;
+      out_ << "\n";  // Ctrl-D leaves the cursor after the prompt
+    }
     return line;
   }
   std::string line;

@@ -22,6 +22,9 @@ class Player;
 
 // The same file (device and inode, through links): a file the run reads is never written.
 bool SameFile(const std::string& a, const std::string& b);
+// A transcript or log named like a game or a saved game, or naming the file `played`, would be
+// written over a file this run reads or a game kept for later.
+bool NamesAGame(const std::string& path, const std::string& played);
 
 class TerminalHost : public OutputPane, public Dialogs, public GameWindow {
  public:

@@ -57,14 +57,6 @@ void RestoreTerminal(int signal_number) {
   std::raise(signal_number);
 }
 
-// A transcript or log named like a game or a saved game, or naming the file played, would be
-// written over a file this run reads (or a game kept for later).
-bool ReadByThisRun(const std::string& path, const std::string& played) {
-  const std::string extension = LCase(CharRight(path, 4));
-  return extension == ".gwl" || extension == ".cgw" || extension == ".tsg" ||
-         SameFile(path, played);
-}
-
 int Run(const std::vector<std::string>& args) {
   std::string error;
   std::optional<CommandLine> options = ParseCommandLine(args, error);
@@ -81,7 +73,7 @@ int Run(const std::vector<std::string>& args) {
     return 0;
   }
   for (const std::string* path : {&options->log_file, &options->transcript_file}) {
-    if (!path->empty() && ReadByThisRun(*path, options->file)) {
+    if (!path->empty() && NamesAGame(*path, options->file)) {
       std::cerr << "tarve-cli: " << *path
                 << " is a game or a saved game: it is not written over. Name another file.\n";
       return 2;

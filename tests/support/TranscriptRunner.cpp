@@ -307,7 +307,8 @@ int main(int argc, char** argv) {
     args.push_back("--log");
     args.push_back(log_file.string());
   }
-  args.insert(args.end(), t.args.begin(), t.args.end());
+  // "{home}" in the options too: a transcript file written in the run's own folder.
+  for (const std::string& arg : t.args) args.push_back(ReplaceAll(arg, "{home}", home.string()));
   if (!t.no_game) args.push_back(game_argument);
   WriteSettings(home / "settings", t.settings, home);
 
