@@ -23,7 +23,7 @@ const char* const kUsage =
     "  -h, --help         show this help\n"
     "  --version          show the version\n"
     "\n"
-    "While playing, commands that begin with # are the player's own: type #help.\n";
+    "On a terminal, commands that begin with # are the player's own: type #help.\n";
 
 #ifndef TARVE_VERSION
 #define TARVE_VERSION "unknown"

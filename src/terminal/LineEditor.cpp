@@ -21,12 +21,11 @@ LineEditor::LineEditor()
   el_set(el_, EL_HIST, history, history_);
   // Keys that terminals send but the editor leaves unbound.
   const char* const bindings[][2] = {
-      {"^R", "em-inc-search-prev"}, {"\\e[H", "ed-move-to-beg"},  {"\\e[F", "ed-move-to-end"},
-      {"\\eOH", "ed-move-to-beg"},  {"\\eOF", "ed-move-to-end"},  {"\\e[1~", "ed-move-to-beg"},
-      {"\\e[4~", "ed-move-to-end"}, {"\\e[7~", "ed-move-to-beg"}, {"\\e[8~", "ed-move-to-end"},
-      {"\\e[3~", "ed-delete-next-char"},
-      {"\\e[1;5D", "ed-prev-word"}, {"\\e[1;5C", "em-next-word"}, {"\\e[1;3D", "ed-prev-word"},
-      {"\\e[1;3C", "em-next-word"},
+      {"^R", "em-inc-search-prev"},      {"\\e[H", "ed-move-to-beg"},  {"\\e[F", "ed-move-to-end"},
+      {"\\eOH", "ed-move-to-beg"},       {"\\eOF", "ed-move-to-end"},  {"\\e[1~", "ed-move-to-beg"},
+      {"\\e[4~", "ed-move-to-end"},      {"\\e[7~", "ed-move-to-beg"}, {"\\e[8~", "ed-move-to-end"},
+      {"\\e[3~", "ed-delete-next-char"}, {"\\e[1;5D", "ed-prev-word"}, {"\\e[1;5C", "em-next-word"},
+      {"\\e[1;3D", "ed-prev-word"},      {"\\e[1;3C", "em-next-word"},
   };
   for (const auto& binding : bindings) el_set(el_, EL_BIND, binding[0], binding[1], nullptr);
   // The player's own settings (~/.editrc) come last, so they can change any of these.

@@ -67,9 +67,8 @@ constexpr std::array kCommands = {
                                            : "Cannot write the transcript file " + file + ".");
                     }
                   }},
-    PlayerCommand{"quit", "", "leave the game", [](Context& c, const std::string&) {
-                    c.player.RequestClose();
-                  }},
+    PlayerCommand{"quit", "", "leave the game",
+                  [](Context& c, const std::string&) { c.player.RequestClose(); }},
     PlayerCommand{"help", "", "list these commands", &Help},
 };
 

@@ -64,16 +64,19 @@ std::string PrintableText(std::string_view text) {
       i += length;
       if (kind == '[') {
         while (i < size && byte(i) >= 0x20 && byte(i) < 0x40) ++i;  // parameters, intermediates
-        if (i < size && byte(i) >= 0x40 && byte(i) <= 0x7E) ++i;   // the final character
+        if (i < size && byte(i) >= 0x40 && byte(i) <= 0x7E) ++i;    // the final character
       } else if (kind == ']' || kind == 'P' || kind == '_' || kind == '^' || kind == 'X') {
         // A string, ended by BEL or the string terminator (ESC \\ or U+009C).
         while (i < size && byte(i) != 0x07 && byte(i) != 0x1B &&
                !(byte(i) == 0xC2 && byte(i + 1) == 0x9C)) {
           ++i;
         }
-        if (byte(i) == 0x07) ++i;
-        else if (byte(i) == 0x1B && byte(i + 1) == '\\') i += 2;
-        else if (byte(i) == 0xC2) i += 2;
+        if (byte(i) == 0x07)
+          ++i;
+        else if (byte(i) == 0x1B && byte(i + 1) == '\\')
+          i += 2;
+        else if (byte(i) == 0xC2)
+          i += 2;
       } else if (c == 0x1B && kind < 0x20) {
         i -= 1;  // ESC before a control character: only the ESC goes
       }

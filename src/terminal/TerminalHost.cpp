@@ -151,8 +151,10 @@ std::optional<std::string> TerminalHost::ReadLine() {
 
 void TerminalHost::Submit(const std::string& line) {
   if (player_ == nullptr) return;
-  if (!line.empty() && line[0] == '#' && !player_->waiting_for_key() &&
+  // Piped lines all go to the game, as they always have: the player's commands are a terminal's.
+  if (editor_ && !line.empty() && line[0] == '#' && !player_->waiting_for_key() &&
       !player_->waiting_for_line()) {
+    if (transcript_.is_open()) transcript_ << "> " << PrintableText(line) << "\n";
     RunPlayerCommand(*this, *player_, line);
     return;
   }

@@ -51,7 +51,8 @@ class TerminalHost : public OutputPane, public Dialogs, public GameWindow {
   // The next line for the command box (on a terminal after the prompt "> ", kept in the
   // history); nothing at the end of the input.
   std::optional<std::string> ReadLine();
-  // Hands a line to the command box, or runs it as a player command when it begins with "#".
+  // Hands a line to the command box, or on a terminal runs it as a player command when it
+  // begins with "#".
   void Submit(const std::string& line);
   bool InputEnded() const { return input_ended_; }
   // The player quit: the game is closed and the program ends.

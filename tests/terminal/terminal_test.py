@@ -133,7 +133,7 @@ def status_line(cli, game):
     check(s.lines()[0].strip() == "Hall", "the status line shows the room", s)
     s.type(b"n" + ENTER)
     check(s.lines()[0].strip() == "Garden", "the status line follows the player", s)
-    for _ in range(30):
+    for _ in range(12):
         s.type(b"look" + ENTER)
     check(s.lines()[0].strip() == "Garden", "text scrolls below the status line", s)
     s.close()
@@ -177,6 +177,18 @@ def player_commands(cli, game):
     check(s.text().count("You are in Hall.") == 2, "#load went back to the saved room", s)
     s.type(b"#save " + game.encode() + ENTER)
     check("is a game or a saved game" in s.text(), "the game's own file is never saved over", s)
+    transcript = os.path.join(s.home, "play.txt")
+    with open(transcript, "w") as f:
+        f.write("Yesterday.\n")
+    s.type(b"#transcript " + transcript.encode() + ENTER + b"n" + ENTER)
+    s.type(b"#transcript off" + ENTER + b"s" + ENTER)
+    s.type(b"#transcript " + transcript.encode() + ENTER + b"ask" + ENTER + b"y" + ENTER)
+    with open(transcript) as f:
+        kept = f.read()
+    check(kept.startswith("Yesterday.\n") and "> n\nYou are in Garden." in kept and
+          "> #transcript off\n" in kept and "> s" not in kept and
+          "[Tarve] Are you sure (y/n) y\nSure." in kept,
+          "#transcript appends, stops and goes on, with the answers typed:\n" + kept, s)
     s.close()
 
 
