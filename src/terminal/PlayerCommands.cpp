@@ -76,7 +76,7 @@ void Help(Context& c, const std::string&) {
   c.host.WriteLine("The player's own commands (anything else goes to the game):");
   for (const PlayerCommand& command : kCommands) {
     std::string usage = "  #" + std::string(command.name) + std::string(command.argument);
-    usage.resize(std::max<std::size_t>(usage.size() + 1, 22), ' ');
+    usage.resize(std::max<std::size_t>(usage.size() + 1, 24), ' ');
     c.host.WriteLine(usage + std::string(command.help));
   }
 }

@@ -94,6 +94,13 @@ bool TerminalHost::OpenTranscript(const std::string& path) {
   return static_cast<bool>(transcript_);
 }
 
+void TerminalHost::FlushScreen() {
+  std::string rest;
+  wrapper_.Flush(rest);
+  out_ << rest;
+  out_.flush();
+}
+
 int TerminalHost::ScreenWidth() const {
   if (options_.width >= 0) return options_.width;
   winsize size{};
@@ -102,10 +109,7 @@ int TerminalHost::ScreenWidth() const {
 }
 
 std::optional<std::string> TerminalHost::ReadInput(const std::string& prompt) {
-  std::string rest;
-  wrapper_.Flush(rest);
-  out_ << rest;
-  out_.flush();
+  FlushScreen();
   if (transcript_.is_open()) transcript_.flush();
   if (input_ended_) return std::nullopt;
   if (editor_) {

@@ -60,6 +60,9 @@ class TerminalHost : public OutputPane, public Dialogs, public GameWindow {
   // The launcher was left without a game: the input ended before one was chosen.
   bool NothingChosen() const { return nothing_chosen_; }
 
+  // Shows all the text so far (before a pause: the word in hand too).
+  void FlushScreen();
+
   // Writes text of the player's own (not the game's) on a line of its own.
   void WriteLine(std::string_view text);
 

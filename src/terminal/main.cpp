@@ -57,6 +57,20 @@ void RestoreTerminal(int signal_number) {
   std::raise(signal_number);
 }
 
+// A pause shows the text before it first: the line wrapper may hold its last word back.
+class TerminalServices : public SystemServices {
+ public:
+  TerminalServices(Options options, TerminalHost& host)
+      : SystemServices(options), host_(host) {}
+  void Sleep(int milliseconds) override {
+    host_.FlushScreen();
+    SystemServices::Sleep(milliseconds);
+  }
+
+ private:
+  TerminalHost& host_;
+};
+
 int Run(const std::vector<std::string>& args) {
   std::string error;
   std::optional<CommandLine> options = ParseCommandLine(args, error);
@@ -108,7 +122,7 @@ int Run(const std::vector<std::string>& args) {
   }
 
   // The first-run set-up (document types, "Setup Complete") belongs to the desktop program.
-  SystemServices services({.keep_pauses = terminal});
+  TerminalServices services({.keep_pauses = terminal}, host);
   Player player(Host(host, host, host, services),
                 options->settings_dir.empty()
                     ? std::make_unique<QtSettingsStore>()
