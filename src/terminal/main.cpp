@@ -60,8 +60,7 @@ void RestoreTerminal(int signal_number) {
 // A pause shows the text before it first: the line wrapper may hold its last word back.
 class TerminalServices : public SystemServices {
  public:
-  TerminalServices(Options options, TerminalHost& host)
-      : SystemServices(options), host_(host) {}
+  TerminalServices(Options options, TerminalHost& host) : SystemServices(options), host_(host) {}
   void Sleep(int milliseconds) override {
     host_.FlushScreen();
     SystemServices::Sleep(milliseconds);
