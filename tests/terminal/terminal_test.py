@@ -139,7 +139,7 @@ def status_line(cli, game):
     s.close()
     plain = Session(cli, game, args=["--no-status"])
     plain.pump()
-    check("Hall" not in plain.lines()[0] or "You are in" in plain.lines()[0],
+    check(plain.lines()[0] == "You are in Hall." and b"\x1b[2;24r" not in plain.raw,
           "no status line with --no-status", plain)
     plain.close()
 

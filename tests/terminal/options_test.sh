@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Both programs: -h, --help and --version end with status 0 and answer on standard output.
+# tarve-compile never writes over its game, named twice or through a link.
+set -u
+cli=$1
+compile=$2
+game=$3
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fail() { echo "FAILED: $1"; exit 1; }
+
+for program in "$cli" "$compile"; do
+  name=$(basename "$program")
+  for option in -h --help; do
+    "$program" "$option" </dev/null >"$work/out" || fail "$name $option exits $?"
+    grep -q "^Usage: $name" "$work/out" || fail "$name $option shows no usage"
+  done
+  "$program" --version </dev/null >"$work/out" || fail "$name --version exits $?"
+  grep -q "^$name [0-9]" "$work/out" || fail "$name --version shows no version"
+done
+
+cp "$game" "$work/g.gwl"
+ln -s g.gwl "$work/link.cgw"
+for out in "$work/g.gwl" "$work/link.cgw"; do
+  "$compile" "$work/g.gwl" "$out" 2>/dev/null && fail "$out was taken as the output"
+  cmp -s "$game" "$work/g.gwl" || fail "the game was written over through $out"
+done
+"$compile" "$work/g.gwl" "$work/g.cgw" || fail "a real output is refused"
+echo "passed"
