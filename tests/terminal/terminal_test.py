@@ -46,12 +46,16 @@ class Session:
         self.set_size(cols, rows)
 
     def pump(self, quiet=0.3, limit=10.0):
-        """Reads output until the program has been quiet for `quiet` seconds."""
+        """Waits for output, then reads it until the program has been quiet for `quiet` seconds
+        (on a busy machine the first answer may take longer than that)."""
         end = time.time() + limit
+        got = False
         while time.time() < end:
-            ready, _, _ = select.select([self.master], [], [], quiet)
+            wait = quiet if got else max(0.0, end - time.time())
+            ready, _, _ = select.select([self.master], [], [], wait)
             if not ready:
                 return
+            got = True
             try:
                 data = os.read(self.master, 65536)
             except OSError:
