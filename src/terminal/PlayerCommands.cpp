@@ -38,9 +38,9 @@ bool IsGameFile(Context& c, const std::string& path, bool transcript = false) {
 void Help(Context& c, const std::string& argument);
 
 constexpr std::array kCommands = {
-    PlayerCommand{"restart", "", "start the game again from the beginning",
+    PlayerCommand{"restart", "", "start the game again",
                   [](Context& c, const std::string&) { c.player.MenuRestart(); }},
-    PlayerCommand{"save", " FILE", "save the game to FILE (without FILE: asks for it)",
+    PlayerCommand{"save", " FILE", "save to FILE, or ask for a name",
                   [](Context& c, const std::string& file) {
                     if (file.empty()) {
                       c.player.MenuSaveAs();
@@ -48,7 +48,7 @@ constexpr std::array kCommands = {
                       c.host.WriteLine("Saved to " + file + ".");
                     }
                   }},
-    PlayerCommand{"load", " FILE", "load the saved game FILE (without FILE: asks for it)",
+    PlayerCommand{"load", " FILE", "load FILE, or ask for a name",
                   [](Context& c, const std::string& file) {
                     if (file.empty()) {
                       c.player.MenuLoad();
@@ -56,7 +56,7 @@ constexpr std::array kCommands = {
                       c.player.LoadSavedGame(file);
                     }
                   }},
-    PlayerCommand{"transcript", " FILE|off", "copy the game's text to FILE, or stop copying",
+    PlayerCommand{"transcript", " FILE|off", "copy the text to FILE; off stops",
                   [](Context& c, const std::string& file) {
                     if (file.empty() || LCase(file) == "off") {
                       c.host.CloseTranscript();
