@@ -46,6 +46,32 @@ class FileSafetyTest : public ::testing::Test {
   test::RecordingHost& host = t.host;
 };
 
+TEST_F(FileSafetyTest, FileCopyNeverWritesThroughALinkOrAHardLink) {
+  OpenShed();
+  dir.Write("game/in.txt", "hello");
+  const std::string victim = outside.Write("victim.txt", "precious");
+  const fs::path folder = dir.path() + "/game";
+  fs::create_symlink(outside.path() + "/created.txt", folder / "dangling.txt");
+  fs::create_symlink(victim, folder / "existing.txt");
+  fs::create_hard_link(victim, folder / "hard.txt");
+  for (const char* destination : {"dangling.txt", "existing.txt", "hard.txt"}) {
+    ExecuteScript(game, std::string("advfunc 0001 <in.txt; ") + destination + ">");
+    EXPECT_EQ(GetNumericVariable(game, "!tarve.int.filecopyerror"), 1) << destination;
+    EXPECT_EQ(host.log.back(), std::string("Error: Refused to copy in.txt to ") + destination +
+                                   ": files may only be copied inside the game's folder.");
+  }
+  EXPECT_FALSE(fs::exists(outside.path() + "/created.txt"));
+  EXPECT_EQ(Read(victim), "precious");
+  // Reading through a link is refused as well.
+  ExecuteScript(game, "advfunc 0001 <existing.txt; copy.txt>");
+  EXPECT_EQ(GetNumericVariable(game, "!tarve.int.filecopyerror"), 1);
+  EXPECT_FALSE(fs::exists(folder / "copy.txt"));
+  // A plain copy inside the folder still works.
+  ExecuteScript(game, "advfunc 0001 <in.txt; copy.txt>");
+  EXPECT_EQ(GetNumericVariable(game, "!tarve.int.filecopyerror"), 0);
+  EXPECT_EQ(Read((folder / "copy.txt").string()), "hello");
+}
+
 TEST_F(FileSafetyTest, SavingKeepsModeAndLinkAndIgnoresPlantedFiles) {
   OpenShed();
   const std::string saves = dir.path() + "/saves/";
