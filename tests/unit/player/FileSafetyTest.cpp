@@ -97,6 +97,25 @@ TEST_F(FileSafetyTest, SavingKeepsModeAndLinkAndIgnoresPlantedFiles) {
   EXPECT_EQ(files, 1u);  // no temporary file left behind
 }
 
+TEST_F(FileSafetyTest, AFailedSaveAsksForAnotherFile) {
+  OpenShed();
+  const std::string first = dir.path() + "/gone/first.tsg";
+  fs::create_directory(dir.path() + "/gone");
+  host.file_dialog_answers = {first};
+  t.player.MenuSave();
+  ASSERT_TRUE(fs::exists(first));
+  // The folder of the remembered save goes away: Save asks for another file at once.
+  fs::remove_all(dir.path() + "/gone");
+  const std::string second = dir.path() + "/second.tsg";
+  host.file_dialog_answers = {second};
+  t.player.MenuSave();
+  EXPECT_EQ(host.messages.back(), "[Error] Unable to save the game to " + first);
+  EXPECT_EQ(host.file_dialogs, (std::vector<std::string>{"save", "save"}));
+  EXPECT_TRUE(fs::exists(second));
+  t.player.MenuSave();  // and goes on with the new file
+  EXPECT_EQ(host.file_dialogs.size(), 2u);
+}
+
 TEST_F(FileSafetyTest, FifosAndDevicesAreRefusedWithoutWaiting) {
   OpenShed();
   const std::string fifo = dir.path() + "/game/pipe.gwl";
