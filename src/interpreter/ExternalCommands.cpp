@@ -88,10 +88,8 @@ void ShellFailed(Game& game, std::string_view file, std::string_view reason, int
   SetNumericVariable(game, "tarve.shellsuccess", code);
 }
 
-// True when `path` lies inside `folder` (both absolute and lexically normal), not the folder
-// itself.
-bool IsInside(const fs::path& folder, const fs::path& path) {
-  const fs::path relative = path.lexically_relative(folder);
+// True when a path relative to a folder names something inside it, not the folder itself.
+bool IsBelow(const fs::path& relative) {
   if (relative.empty() || relative == ".") return false;
   const fs::path first = *relative.begin();
   return first != ".." && first != ".";
@@ -223,7 +221,7 @@ void CopyGameFile(Game& game, std::string_view parameter) {
   };
   const fs::path from = below(source);
   const fs::path to = below(destination);
-  if (ec || !IsInside(folder, folder / from) || !IsInside(folder, folder / to)) {
+  if (ec || !IsBelow(from) || !IsBelow(to)) {
     refuse();
     return;
   }
