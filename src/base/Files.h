@@ -23,12 +23,16 @@ std::string FolderOf(std::string_view path);
 // `installed_folder`.
 std::string FindDataFolder(const std::string& installed_folder);
 
-// Reads a whole file. False when it cannot be opened or read, or is larger than `max_bytes`.
+// Reads a whole regular file. False when it cannot be opened or read, is larger than
+// `max_bytes`, or is no regular file (a folder, a FIFO, a device such as a terminal): those are
+// refused at once, never waited on.
 bool ReadWholeFile(const std::string& path, std::string& bytes,
                    std::size_t max_bytes = std::size_t{256} << 20);
 
-// Writes a whole file through a temporary file in the same folder that is then renamed into
-// place, so a crash or a full disk never leaves a half-written file behind.
+// Writes a whole file through a temporary file in the same folder that is then flushed to disk
+// and renamed into place, so a crash or a full disk never leaves a half-written file behind.
+// The temporary file is created exclusively under a fresh name; a `path` that is a symbolic
+// link is written at the file the link leads to, and a file replaced keeps its permissions.
 bool WriteFileAtomically(const std::string& path, std::string_view bytes);
 
 }  // namespace tarve

@@ -93,6 +93,8 @@ class GameWindow {
   virtual void SetCaption(const std::string&) {}
   virtual void SetLocation(const std::string&) {}
   virtual void SetStatusText(const std::string&) {}
+  // The game was saved to `path` (a window that showed no file dialog may say where it went).
+  virtual void GameSaved(const std::string& path) { (void)path; }
   // One letter per exit: n s e w, a (ne) b (nw) c (se) d (sw), o (out).
   virtual void SetDirections(const std::string& letters) { (void)letters; }
   enum class ThingType { kCharacter, kObject, kPlace };

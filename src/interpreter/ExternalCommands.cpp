@@ -4,11 +4,15 @@
 // game's own folder.
 #include "interpreter/ExternalCommands.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -84,12 +88,100 @@ void ShellFailed(Game& game, std::string_view file, std::string_view reason, int
   SetNumericVariable(game, "tarve.shellsuccess", code);
 }
 
-// True when `path` lies inside `folder` (both already resolved), not the folder itself.
-bool IsInside(const fs::path& folder, const fs::path& path) {
-  const fs::path relative = path.lexically_relative(folder);
+// True when a path relative to a folder names something inside it, not the folder itself.
+bool IsBelow(const fs::path& relative) {
   if (relative.empty() || relative == ".") return false;
   const fs::path first = *relative.begin();
   return first != ".." && first != ".";
+}
+
+// A file descriptor closed when it goes out of scope.
+class Descriptor {
+ public:
+  explicit Descriptor(int fd = -1) : fd_(fd) {}
+  ~Descriptor() { Reset(-1); }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int get() const { return fd_; }
+  void Reset(int fd) {
+    if (fd_ >= 0) close(fd_);
+    fd_ = fd;
+  }
+
+ private:
+  int fd_;
+};
+
+// How opening a file of the game's folder went.
+enum class Opened { kOpened, kLinked, kFailed };
+
+// Opens `relative` below the folder `folder`, one name at a time, never following a symbolic
+// link (a link met on the way is kLinked): a link planted in the folder, before or during the
+// copy, can lead neither the reading nor the writing outside. A file that is no regular file,
+// or a hard link that shares its contents with another name (perhaps outside), is not used
+// either. `error` holds the reason of a kFailed.
+Opened OpenInFolder(int folder, const fs::path& relative, int flags, Descriptor& file,
+                    std::string& error) {
+  Descriptor directory(dup(folder));
+  const auto failed = [&](int at, const std::string& name) {
+    const int number = errno;
+    struct stat info {};
+    if (fstatat(at, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(info.st_mode)) {
+      return Opened::kLinked;
+    }
+    error = std::strerror(number);
+    return Opened::kFailed;
+  };
+  const std::string name = relative.filename().string();
+  for (const fs::path& part : relative.parent_path()) {
+    const int next =
+        openat(directory.get(), part.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (next < 0) return failed(directory.get(), part.string());
+    directory.Reset(next);
+  }
+  // Without waiting, so that a FIFO never blocks the game.
+  file.Reset(
+      openat(directory.get(), name.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666));
+  if (file.get() < 0) return failed(directory.get(), name);
+  struct stat info {};
+  if (fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
+    error = "it is not a regular file";
+    return Opened::kFailed;
+  }
+  return info.st_nlink > 1 ? Opened::kLinked : Opened::kOpened;
+}
+
+// Copies what is left of `from` into `to`, which is emptied first.
+bool CopyContents(int from, int to, std::string& error) {
+  struct stat source {};
+  struct stat destination {};
+  if (fstat(from, &source) == 0 && fstat(to, &destination) == 0 &&
+      source.st_dev == destination.st_dev && source.st_ino == destination.st_ino) {
+    error = "it is the same file";
+    return false;
+  }
+  if (ftruncate(to, 0) != 0) {
+    error = std::strerror(errno);
+    return false;
+  }
+  std::array<char, 65536> buffer;
+  for (;;) {
+    ssize_t got = read(from, buffer.data(), buffer.size());
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) break;
+    if (got == 0) return true;
+    for (ssize_t at = 0; at < got;) {
+      const ssize_t written = write(to, buffer.data() + at, static_cast<std::size_t>(got - at));
+      if (written < 0 && errno == EINTR) continue;
+      if (written <= 0) {
+        error = std::strerror(errno);
+        return false;
+      }
+      at += written;
+    }
+  }
+  error = std::strerror(errno);
+  return false;
 }
 
 void CopyGameFile(Game& game, std::string_view parameter) {
@@ -107,30 +199,55 @@ void CopyGameFile(Game& game, std::string_view parameter) {
          std::string(parameter) + ">.");
     return;
   }
-
-  // Both names are resolved (".." and symbolic links followed) before they are compared with
-  // the game's folder; a path that cannot be resolved is outside. A name is taken relative to
-  // the game's folder; an absolute name stands for itself.
-  bool resolved = true;
-  const auto resolve = [&](const fs::path& path) {
-    std::error_code ec;
-    fs::path result = fs::weakly_canonical(path, ec);
-    if (ec) resolved = false;
-    return result;
-  };
-  std::error_code ec;
-  const fs::path folder =
-      resolve(fs::absolute(game.game_path.empty() ? fs::path(".") : fs::path(game.game_path), ec));
-  if (ec) resolved = false;
-  const fs::path from = resolve(FindFileNoCase((folder / NativePath(source)).string()));
-  const fs::path to = resolve(FindFileNoCase((folder / NativePath(destination)).string()));
-  if (!resolved || !IsInside(folder, from) || !IsInside(folder, to)) {
+  const auto refuse = [&] {
     fail("Error: Refused to copy " + source + " to " + destination +
          ": files may only be copied inside the game's folder.");
+  };
+  const auto unable = [&](const std::string& reason) {
+    fail("Error: Unable to copy " + source + " to " + destination + ": " + reason);
+  };
+
+  // A name is taken relative to the game's folder; an absolute name stands for itself. Both
+  // must name a file below the folder, and are then opened from the folder down without
+  // following any link.
+  std::error_code ec;
+  const fs::path folder =
+      fs::absolute(game.game_path.empty() ? fs::path(".") : fs::path(game.game_path), ec)
+          .lexically_normal();
+  const auto below = [&](const std::string& name) {
+    return fs::path(FindFileNoCase((folder / NativePath(name)).string()))
+        .lexically_normal()
+        .lexically_relative(folder);
+  };
+  const fs::path from = below(source);
+  const fs::path to = below(destination);
+  if (ec || !IsBelow(from) || !IsBelow(to)) {
+    refuse();
     return;
   }
-  fs::copy_file(from, to, fs::copy_options::overwrite_existing, ec);
-  if (ec) fail("Error: Unable to copy " + source + " to " + destination + ": " + ec.message());
+  const Descriptor root(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (root.get() < 0) {
+    unable(std::strerror(errno));
+    return;
+  }
+  Descriptor in, out;
+  std::string error;
+  const auto open_in_folder = [&](const fs::path& path, int flags, Descriptor& file) {
+    switch (OpenInFolder(root.get(), path, flags, file, error)) {
+      case Opened::kLinked:
+        refuse();
+        return false;
+      case Opened::kFailed:
+        unable(error);
+        return false;
+      case Opened::kOpened:
+        break;
+    }
+    return true;
+  };
+  // The source first, so that nothing is created when there is nothing to copy.
+  if (!open_in_folder(from, O_RDONLY, in) || !open_in_folder(to, O_WRONLY | O_CREAT, out)) return;
+  if (!CopyContents(in.get(), out.get(), error)) unable(error);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <system_error>
 #include <thread>
 
 #include "game/ScriptLog.h"
@@ -55,11 +56,13 @@ void SystemServices::StopSounds() {
 PlatformServices::OpenResult SystemServices::OpenDocument(const std::string& path, bool minimised) {
   // The desktop decides how a document opens; asking for it minimised cannot be passed on.
   (void)minimised;
-  if (!HasDesktop()) return OpenResult::kNoAssociation;
-  // A name that is no file may still be an address ("mailto:...") the desktop can open.
-  if (!std::filesystem::exists(path) && path.find(':') == std::string::npos) {
+  // A name that is no file may still be an address ("mailto:...") the desktop can open. A
+  // missing file is missing whether or not a desktop could open it.
+  std::error_code ec;
+  if (path.find(':') == std::string::npos && !std::filesystem::exists(path, ec)) {
     return OpenResult::kNotFound;
   }
+  if (!HasDesktop()) return OpenResult::kNoAssociation;
   const bool started = QProcess::startDetached(QStringLiteral("xdg-open"),
                                                QStringList{QString::fromStdString(path)});
   return started ? OpenResult::kOpened : OpenResult::kNoAssociation;

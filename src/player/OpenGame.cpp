@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <ctime>
+#include <optional>
 #include <vector>
 
 #include "base/Files.h"
@@ -180,34 +181,97 @@ void EnterStartRoom(Game& game, BlockRange game_block) {
   EnterRoom(game, room);
 }
 
-bool OpenGameNow(Game& game, const std::string& path, bool installed) {
+// The tables of the open game, set aside while another game is read, so that they can be put
+// back when that game cannot be opened.
+struct OpenGameTables {
+  GameText text;
+  std::string game_file;
+  std::string game_path;
+  int intproc_counter;
+  RunState run;
+  Variables variables;
+  World world;
+  Inventory inventory;
+  PlayerMessages messages;
+  ParserState parser;
+  bool output_enabled;
+  bool waiting_for_key;
+};
+
+OpenGameTables TakeTables(Game& game) {
+  OpenGameTables taken{
+      std::move(game.text),   std::move(game.game_file), std::move(game.game_path),
+      game.intproc_counter,   std::move(game.run),       std::move(game.variables),
+      std::move(game.world),  std::move(game.inventory), std::move(game.messages),
+      std::move(game.parser), game.output.enabled,       game.output.waiting_for_key};
+  ResetGameTables(game);
+  return taken;
+}
+
+void PutBackTables(Game& game, OpenGameTables& tables) {
+  game.text = std::move(tables.text);
+  game.game_file = std::move(tables.game_file);
+  game.game_path = std::move(tables.game_path);
+  game.intproc_counter = tables.intproc_counter;
+  game.run = std::move(tables.run);
+  game.variables = std::move(tables.variables);
+  game.world = std::move(tables.world);
+  game.inventory = std::move(tables.inventory);
+  game.messages = std::move(tables.messages);
+  game.parser = std::move(tables.parser);
+  game.output.enabled = tables.output_enabled;
+  game.output.waiting_for_key = tables.waiting_for_key;
+}
+
+// The game window as a new game finds it: an empty pane, command box and status.
+void ClearWindowForNewGame(Game& game) {
+  game.host.pane.ClearOutput();
+  game.host.window.ClearCommandBox();
+  game.host.window.SetStatusText("");
+}
+
+bool OpenGameNow(Game& game, const std::string& path, bool installed, bool keep_on_failure) {
   Host& host = game.host;
-  host.platform.StopSounds();
+  // A game kept on failure keeps its window and its sounds until the new game is known to be
+  // one that opens.
+  if (!keep_on_failure) host.platform.StopSounds();
   host.dialogs.ShowProgress(kProgressCaption, 0);
 
   host.window.SetBusy(true);
-  host.pane.ClearOutput();
-  host.window.ClearCommandBox();
-  host.window.SetStatusText("");
+  if (!keep_on_failure) ClearWindowForNewGame(game);
 
   MarkNewGameInLogFile(game);
   LogScriptError(game, std::string("Tarve ") + kPlayerVersion);
   LogScriptError(game, "Opening file " + path + " on " + FormatNow("%d/%m/%Y") + " at " +
                            FormatNow("%H:%M:%S"));
-  host.window.EnableGameControls(true);
-  ResetGameTables(game);
-
-  if (!LoadGameText(game, path)) {
+  if (!keep_on_failure) host.window.EnableGameControls(true);
+  std::optional<OpenGameTables> previous;
+  if (keep_on_failure) {
+    previous.emplace(TakeTables(game));
+  } else {
     ResetGameTables(game);
-    return false;
   }
+  const auto fail = [&] {
+    if (previous) {
+      PutBackTables(game, *previous);
+    } else {
+      ResetGameTables(game);
+    }
+    return false;
+  };
+
+  if (!LoadGameText(game, path)) return fail();
   const BlockRange game_block = FindBlock(game, "game");
   if (!game_block.Found()) {
     // Without a game block there is no name, no start room and nothing to play.
     LogScriptError(game, "Error: " + path + " has no 'define game' block, so it cannot be played.");
     ReportUnableToOpen(game, path);
-    ResetGameTables(game);
-    return false;
+    return fail();
+  }
+  if (keep_on_failure) {
+    host.platform.StopSounds();
+    ClearWindowForNewGame(game);
+    host.window.EnableGameControls(true);
   }
   game.game_was_open = true;
   ++game.games_opened;
@@ -245,14 +309,14 @@ bool LoadGameText(Game& game, const std::string& path) {
   return false;
 }
 
-bool OpenGame(Game& game, const std::string& path, bool installed) {
+bool OpenGame(Game& game, const std::string& path, bool installed, bool keep_on_failure) {
   if (game.open_game_depth >= kMaxNestedOpenings) {
     LogScriptError(game, "Error: Games opened from the start scripts of games nest too deeply; " +
                              path + " is not opened.");
     return false;
   }
   ++game.open_game_depth;
-  const bool opened = OpenGameNow(game, path, installed);
+  const bool opened = OpenGameNow(game, path, installed, keep_on_failure);
   --game.open_game_depth;
   return opened;
 }

@@ -150,21 +150,29 @@ void Player::EndOfInput() {
 }
 
 void Player::MenuSaveAs() {
-  std::optional<std::string> path = game_.host.dialogs.ChooseSavedGameFile(/*save=*/true);
-  if (!path) return;  // the player cancelled the dialog
-  // A name typed without an extension gets the saved-game one, so that the file is known for
-  // a saved game when it is opened again.
-  if (!std::filesystem::path(*path).has_extension()) *path += ".tsg";
-  SaveGame(game_, *path);
+  // A file that cannot be written (a read-only folder, a full disk) asks for another name, until
+  // the game is saved or the player cancels.
+  for (;;) {
+    std::optional<std::string> path = game_.host.dialogs.ChooseSavedGameFile(/*save=*/true);
+    if (!path) return;  // the player cancelled the dialog
+    // A name typed without an extension gets the saved-game one, so that the file is known for
+    // a saved game when it is opened again.
+    if (!std::filesystem::path(*path).has_extension()) *path += ".tsg";
+    if (SaveTo(*path) || game_.game_file.empty()) return;
+  }
 }
 
 void Player::MenuSave() {
-  // Once the game has been saved or loaded, Save writes to that file again without asking.
-  if (game_.run.current_saved_game_path.empty()) {
-    MenuSaveAs();
-  } else {
-    SaveGame(game_, game_.run.current_saved_game_path);
-  }
+  // Once the game has been saved or loaded, Save writes to that file again without asking;
+  // when that file can no longer be written, the player is asked for another.
+  const std::string path = game_.run.current_saved_game_path;
+  if (path.empty() || (!SaveTo(path) && !game_.game_file.empty())) MenuSaveAs();
+}
+
+bool Player::SaveTo(const std::string& path) {
+  if (!SaveGame(game_, path)) return false;
+  game_.host.window.GameSaved(path);
+  return true;
 }
 
 void Player::MenuLoad() {

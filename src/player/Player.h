@@ -113,6 +113,8 @@ class Player : private ProgramCommands {
   void SeedRandomNumbers(const StartOptions& options);
   void LoadProgramData(const StartOptions& options);
   bool OpenGameFile(const std::string& path, bool installed);
+  // Saves the game to `path` and tells the window where it went; false when it could not.
+  bool SaveTo(const std::string& path);
   // Asks whether to leave the game; on yes the game closes.
   bool ConfirmLeave();
   void CloseGame(bool end_program);

@@ -449,7 +449,7 @@ bool LoadSavedGame(Game& game, const std::string& path) {
   }
 
   const int games_opened = game.games_opened;
-  if (!OpenGame(game, game_file, /*installed=*/false)) return false;
+  if (!OpenGame(game, game_file, /*installed=*/false, /*keep_on_failure=*/true)) return false;
   // A start script of the game that opened yet another game: that game now stands in its place
   // and the saved state does not belong to it.
   if (game.games_opened != games_opened + 1) return false;

@@ -421,6 +421,12 @@ std::optional<std::string> TerminalHost::ChooseSavedGameFile(bool save) {
   return Trim(*path);
 }
 
+void TerminalHost::GameSaved(const std::string& path) {
+  // A save typed as "save" goes to the last file without asking: the player is told which.
+  ResetStyle();
+  WriteLine("Saved to " + path + ".");
+}
+
 void TerminalHost::ShowLauncher() {
   // Without a file the player lists the installed games and the player picks one by its
   // number.

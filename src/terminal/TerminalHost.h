@@ -81,6 +81,7 @@ class TerminalHost : public OutputPane, public Dialogs, public GameWindow {
   void ProcessEventsUntil(const std::function<bool()>& done) override;
   int ShowSelection(const std::string& prompt, const std::vector<std::string>& answers) override;
   std::optional<std::string> ChooseSavedGameFile(bool save) override;
+  void GameSaved(const std::string& path) override;
   void ShowLauncher() override;
   void CloseGame(bool end_program) override;
 

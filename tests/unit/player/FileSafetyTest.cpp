@@ -1,0 +1,134 @@
+// What a game, a planted link or a file that is no file cannot make the player do: write outside
+// the game's folder, write through a link or a stray file beside a save, lose a save's mode or
+// link, hang on a FIFO, or lose the place to save to.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "interpreter/ExecuteScript.h"
+#include "interpreter/Variables.h"
+#include "player/Player.h"
+#include "support/TestSupport.h"
+
+namespace tarve {
+namespace {
+
+namespace fs = std::filesystem;
+using test::TempDir;
+using test::TestGame;
+
+constexpr const char* kGame =
+    "define game <Shed>\n"
+    "  start <shed>\n"
+    "end define\n"
+    "define room <shed>\n"
+    "end define\n";
+
+std::string Read(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream bytes;
+  bytes << in.rdbuf();
+  return bytes.str();
+}
+
+class FileSafetyTest : public ::testing::Test {
+ protected:
+  void OpenShed() { ASSERT_TRUE(t.player.OpenGame(dir.Write("game/shed.gwl", kGame))); }
+
+  TempDir dir;
+  TempDir outside;
+  TestGame t{dir};
+  Game& game = t.game;
+  test::RecordingHost& host = t.host;
+};
+
+TEST_F(FileSafetyTest, FileCopyNeverWritesThroughALinkOrAHardLink) {
+  OpenShed();
+  dir.Write("game/in.txt", "hello");
+  const std::string victim = outside.Write("victim.txt", "precious");
+  const fs::path folder = dir.path() + "/game";
+  fs::create_symlink(outside.path() + "/created.txt", folder / "dangling.txt");
+  fs::create_symlink(victim, folder / "existing.txt");
+  fs::create_hard_link(victim, folder / "hard.txt");
+  for (const char* destination : {"dangling.txt", "existing.txt", "hard.txt"}) {
+    ExecuteScript(game, std::string("advfunc 0001 <in.txt; ") + destination + ">");
+    EXPECT_EQ(GetNumericVariable(game, "!tarve.int.filecopyerror"), 1) << destination;
+    EXPECT_EQ(host.log.back(), std::string("Error: Refused to copy in.txt to ") + destination +
+                                   ": files may only be copied inside the game's folder.");
+  }
+  EXPECT_FALSE(fs::exists(outside.path() + "/created.txt"));
+  EXPECT_EQ(Read(victim), "precious");
+  // Reading through a link is refused as well.
+  ExecuteScript(game, "advfunc 0001 <existing.txt; copy.txt>");
+  EXPECT_EQ(GetNumericVariable(game, "!tarve.int.filecopyerror"), 1);
+  EXPECT_FALSE(fs::exists(folder / "copy.txt"));
+}
+
+TEST_F(FileSafetyTest, SavingKeepsModeAndLinkAndIgnoresPlantedFiles) {
+  OpenShed();
+  const std::string saves = dir.path() + "/saves/";
+  fs::create_directory(saves);
+  // A save reached through a link is written where the link leads, with the old mode kept.
+  const std::string real = dir.Write("saves/real.tsg", "old");
+  ASSERT_EQ(chmod(real.c_str(), 0600), 0);
+  fs::create_symlink("real.tsg", saves + "linked.tsg");
+  // Files planted under the names a save might use for its temporary file are never used.
+  const std::string victim = outside.Write("victim.txt", "precious");
+  fs::create_symlink(victim, saves + "real.tsg.tmp~");
+  host.file_dialog_answers = {saves + "linked.tsg"};
+  t.player.MenuSave();
+  EXPECT_TRUE(fs::is_symlink(saves + "linked.tsg"));
+  EXPECT_EQ(Read(real).rfind("TARVE200.1\r\n", 0), 0u);
+  struct stat info {};
+  ASSERT_EQ(stat(real.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 0777, 0600u);
+  EXPECT_EQ(Read(victim), "precious");
+  std::size_t files = 0;
+  for (const auto& entry : fs::directory_iterator(saves)) files += entry.is_symlink() ? 0 : 1;
+  EXPECT_EQ(files, 1u);  // no temporary file left behind
+}
+
+TEST_F(FileSafetyTest, AFailedSaveAsksForAnotherFile) {
+  OpenShed();
+  const std::string first = dir.path() + "/gone/first.tsg";
+  fs::create_directory(dir.path() + "/gone");
+  host.file_dialog_answers = {first};
+  t.player.MenuSave();
+  ASSERT_TRUE(fs::exists(first));
+  // The folder of the remembered save goes away: Save asks for another file at once.
+  fs::remove_all(dir.path() + "/gone");
+  const std::string second = dir.path() + "/second.tsg";
+  host.file_dialog_answers = {second};
+  t.player.MenuSave();
+  EXPECT_EQ(host.messages.back(), "[Error] Unable to save the game to " + first);
+  EXPECT_EQ(host.file_dialogs, (std::vector<std::string>{"save", "save"}));
+  EXPECT_TRUE(fs::exists(second));
+  t.player.MenuSave();  // and goes on with the new file
+  EXPECT_EQ(host.file_dialogs.size(), 2u);
+}
+
+TEST_F(FileSafetyTest, FifosAndDevicesAreRefusedWithoutWaiting) {
+  OpenShed();
+  const std::string fifo = dir.path() + "/game/pipe.gwl";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  const std::string saved = dir.path() + "/game/pipe.tsg";
+  ASSERT_EQ(mkfifo(saved.c_str(), 0600), 0);
+  dir.Write("game/lib.gwl", "!include <pipe.gwl>\n" + std::string(kGame));
+
+  EXPECT_FALSE(t.player.LoadSavedGame(saved));
+  EXPECT_FALSE(t.player.LoadSavedGame("/dev/null"));
+  EXPECT_EQ(host.messages.back(), "[Error] Unable to open /dev/null");
+  EXPECT_EQ(game.world.current_room, "shed");  // the game in progress goes on
+  EXPECT_FALSE(t.player.OpenGame(fifo));
+  EXPECT_EQ(host.messages.back(), "[Error] Unable to open " + fifo);
+  EXPECT_FALSE(t.player.OpenGame(dir.path() + "/game/lib.gwl"));
+  EXPECT_NE(std::find(host.log.begin(), host.log.end(), "ERROR: Library not found."),
+            host.log.end());
+}
+
+}  // namespace
+}  // namespace tarve
