@@ -436,7 +436,8 @@ void Dispatch(Game& game, std::string_view line, std::string_view trimmed) {
     }
   }
   if (trimmed.front() == '\'') return;  // a comment
-  LogScriptError(game, "Warning: Unrecognized keyword. Line reads: '" + std::string(trimmed) + "'");
+  LogScriptError(game,
+                 "Warning: Unrecognized keyword. Line reads: '" + QuotedForLog(trimmed) + "'");
 }
 
 // A script of several lines is cut at every CR LF; each piece, trimmed, is a statement.
