@@ -72,10 +72,10 @@ void WriteVariable(Game& game, VariableTable& table, VariableStore store, std::s
   }
   const auto it = table.index.find(name);
   const std::size_t old_bytes =
-      it == table.index.end()
-          ? 0
-          : 2 * table.entries[it->second].name.size() + table.entries[it->second].value.size();
-  const std::size_t new_bytes = 2 * name.size() + value.size();
+      it == table.index.end() ? 0
+                              : 2 * table.entries[it->second].name.size() +
+                                    table.entries[it->second].value.size() + kVariableRecordBytes;
+  const std::size_t new_bytes = 2 * name.size() + value.size() + kVariableRecordBytes;
   if (game.variables.bytes - old_bytes + new_bytes > kMaxVariablesBytes) {
     LogScriptError(game, "Error: The game's variables would hold more than " +
                              std::to_string(kMaxVariablesBytes) + " bytes - variable '" +

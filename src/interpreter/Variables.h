@@ -41,7 +41,9 @@ struct VariableTable {
 struct Variables {
   VariableTable strings;
   VariableTable numerics;
-  std::size_t bytes = 0;  // what the names (twice: as written and indexed) and values hold
+  // What the names (twice: as written and indexed) and values hold, and kVariableRecordBytes
+  // for each variable.
+  std::size_t bytes = 0;
 };
 
 // A variable's value holds at most this many bytes: a longer one is cut (logged). All variables
@@ -49,6 +51,9 @@ struct Variables {
 // script, however it loops, can take all the memory there is.
 inline constexpr std::size_t kMaxVariableValueBytes = std::size_t{1} << 20;
 inline constexpr std::size_t kMaxVariablesBytes = std::size_t{64} << 20;
+// Each variable also counts the separator and line end that a saved game writes with it, so
+// that the variables a game may hold always fit in a saved game that can be loaded again.
+inline constexpr std::size_t kVariableRecordBytes = 4;
 
 // Which variables viewer a row belongs to.
 enum class VariableStore { kString = 1, kNumeric = 2, kCollectable = 3 };
