@@ -417,7 +417,58 @@ void FoldStart(std::string_view text, FoldedStart& folded) {
   }
 }
 
+enum class QuickMatch { kFound, kNone, kNotAscii };
+
+// Finds the row of a line whose first characters are ASCII by comparing bytes, letters without
+// regard to case, without folding the line first: nearly every line is such a line, and most
+// keywords differ from it in their first bytes. kNotAscii when a byte outside ASCII comes up
+// before a row is decided, since a few other characters lower-case to ASCII letters.
+QuickMatch MatchAscii(std::string_view trimmed, std::size_t& found) {
+  const auto fold = [](unsigned char byte) {
+    return static_cast<char>(byte | (static_cast<unsigned>(byte - 'A') < 26u ? 0x20 : 0));
+  };
+  const auto first = static_cast<unsigned char>(trimmed[0]);
+  if (first >= 0x80) return QuickMatch::kNotAscii;
+  const char letter = fold(first);
+  if (letter < 'a' || letter > 'z') return QuickMatch::kNone;
+  const auto index = static_cast<std::size_t>(letter - 'a');
+  for (std::size_t r = 0; r < kRowsByFirstLetter.count[index]; ++r) {
+    const std::size_t row = kRowsByFirstLetter.rows[index][r];
+    const std::string_view keyword = kStatements[row].keyword;
+    if (trimmed.size() < keyword.size()) continue;
+    std::size_t at = 1;
+    for (; at < keyword.size(); ++at) {
+      const auto byte = static_cast<unsigned char>(trimmed[at]);
+      if (byte >= 0x80) return QuickMatch::kNotAscii;
+      if (fold(byte) != keyword[at]) break;
+    }
+    if (at < keyword.size()) continue;
+    if (kStatements[row].match == Match::kWhole &&
+        !TrimView(trimmed.substr(keyword.size())).empty()) {
+      continue;
+    }
+    found = row;
+    return QuickMatch::kFound;
+  }
+  return QuickMatch::kNone;
+}
+
 void Dispatch(Game& game, std::string_view line, std::string_view trimmed) {
+  std::size_t found = 0;
+  switch (MatchAscii(trimmed, found)) {
+    case QuickMatch::kFound: {
+      const StatementRow& row = kStatements[found];
+      row.handler(game, Statement{line, trimmed, trimmed.substr(row.keyword.size())});
+      return;
+    }
+    case QuickMatch::kNone:
+      if (trimmed.front() == '\'') return;  // a comment
+      LogScriptError(game,
+                     "Warning: Unrecognized keyword. Line reads: '" + QuotedForLog(trimmed) + "'");
+      return;
+    case QuickMatch::kNotAscii:
+      break;
+  }
   FoldedStart folded;
   FoldStart(trimmed, folded);
   const char first = folded.chars[0];

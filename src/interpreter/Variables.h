@@ -2,6 +2,7 @@
 // setvar statements.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -32,10 +33,19 @@ struct VariableNameEqual {
   bool operator()(std::string_view a, std::string_view b) const;
 };
 
+// A name as a script last spelt it and the row it found. A loop reads and writes the same few
+// variables over and over, and comparing a short name byte for byte costs far less than hashing
+// and comparing it without regard to case. Rows never move, so a found row stays right.
+struct RecentVariable {
+  std::string name;
+  std::size_t row = 0;
+};
+
 // Variables in order of creation, with an index by lower-cased name.
 struct VariableTable {
   std::vector<VariableEntry> entries;
   std::unordered_map<std::string, std::size_t, VariableNameHash, VariableNameEqual> index;
+  mutable std::array<RecentVariable, 8> recent;  // by a mix of a name's length and letters
 };
 
 struct Variables {
