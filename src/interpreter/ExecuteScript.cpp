@@ -185,6 +185,18 @@ void SetVar(Game& game, const Statement& s) {
   WithParameter(game, s, [&](const std::string& p) { ExecuteSetVar(game, p); });
 }
 
+// The script a loop runs on every round, its keyword found once: the text is the same each
+// round, so matching it again would find the same statement.
+struct LoopBody {
+  std::string_view line;
+  std::string_view trimmed;
+  std::size_t row = 0;
+  bool matched = false;  // a single statement whose keyword is known
+};
+LoopBody PrepareLoopBody(std::string_view script);
+// What ExecuteScript(game, body.line) does.
+void RunLoopBody(Game& game, const LoopBody& body);
+
 // for <variable; from; to> script and for <variable; from; to; step> script. The script may
 // change the variable, which moves the loop on or back; with a step of 0 only the script moves
 // it, and the round limit ends a loop that it never ends.
@@ -220,9 +232,10 @@ void For(Game& game, const Statement& s) {
   if (!nested.entered()) return;
   int i = *from;
   long rounds = 0;
+  const LoopBody body = PrepareLoopBody(script);
   while (*step < 0 ? i >= *to : i <= *to) {
     SetNumericVariable(game, name, static_cast<int16_t>(i));
-    ExecuteScript(game, script);
+    RunLoopBody(game, body);
     if (nested.MustStop()) return;
     // The next value comes from the variable, which the script may have changed; a value that
     // would leave the 16-bit range ends the loop.
@@ -451,6 +464,26 @@ QuickMatch MatchAscii(std::string_view trimmed, std::size_t& found) {
     return QuickMatch::kFound;
   }
   return QuickMatch::kNone;
+}
+
+LoopBody PrepareLoopBody(std::string_view script) {
+  LoopBody body;
+  body.line = script;
+  body.trimmed = TrimView(script);
+  body.matched = !body.trimmed.empty() && body.trimmed.find("\r\n") == std::string_view::npos &&
+                 MatchAscii(body.trimmed, body.row) == QuickMatch::kFound;
+  return body;
+}
+
+void RunLoopBody(Game& game, const LoopBody& body) {
+  if (!body.matched) {
+    ExecuteScript(game, body.line);
+    return;
+  }
+  NestedScript nested(game);
+  if (!nested.entered()) return;
+  const StatementRow& row = kStatements[body.row];
+  row.handler(game, Statement{body.line, body.trimmed, body.trimmed.substr(row.keyword.size())});
 }
 
 void Dispatch(Game& game, std::string_view line, std::string_view trimmed) {
