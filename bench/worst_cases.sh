@@ -1,7 +1,8 @@
 #!/bin/sh
 # Whole-process timing of the terminal player on games built to be hard on it, at two sizes each,
 # so that growth shows: a line of nothing but "{", a run of "{" before a long text, and a loop
-# that runs a long unknown statement (every round logs it). For each run: wall time, exit status
+# that runs a long unknown statement (every round logs it; the last case passes the log file's
+# bound). For each run: wall time, exit status
 # and the size of the log file written with --log.
 #
 # usage: bench/worst_cases.sh [BUILD_DIR]      (default: build/release)
@@ -30,10 +31,12 @@ braces_game() {
   }'
 }
 
-# A game that runs an unknown statement of TEXT_BYTES bytes ROUNDS times at start.
+# A game that runs an unknown statement of TEXT_BYTES bytes ROUNDS times (in loops of at most
+# 30,000 rounds) at start.
 unknown_game() {
   awk -v r="$1" -v m="$2" 'BEGIN {
-    printf "define game <Noise>\n  start <Hall>\n  startscript for <i; 1; %d> do <noise>\nend define\n", r
+    loops = int((r + 29999) / 30000); per = int(r / loops)
+    printf "define game <Noise>\n  start <Hall>\n  startscript for <j; 1; %d> for <i; 1; %d> do <noise>\nend define\n", loops, per
     printf "define room <Hall>\nend define\ndefine procedure <noise>\n  nonsense "
     t = ""; for (i = 0; i < 1000; i++) t = t "x"
     for (i = 0; i + 1000 <= m; i += 1000) printf "%s", t
@@ -64,6 +67,7 @@ braces_game 11000 1000000 >"$work/b4.gwl"
 braces_game 11000 4000000 >"$work/b5.gwl"
 unknown_game 2000 100000 >"$work/u1.gwl"
 unknown_game 4000 100000 >"$work/u2.gwl"
+unknown_game 90000 1000 >"$work/u3.gwl"
 
 run '50,000 "{" on one line' "$work/b1.gwl"
 run '100,000 "{" on one line' "$work/b2.gwl"
@@ -72,3 +76,4 @@ run '11,000 "{" + 1 MB text' "$work/b4.gwl"
 run '11,000 "{" + 4 MB text' "$work/b5.gwl"
 run '2,000 rounds of a 100 KB unknown line' "$work/u1.gwl"
 run '4,000 rounds of a 100 KB unknown line' "$work/u2.gwl"
+run '90,000 rounds of a 1 KB unknown line' "$work/u3.gwl"
