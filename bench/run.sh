@@ -106,3 +106,8 @@ window="$build/bench/tarve_game_window_bench"
 for bounded in 1 0; do
   "$window" --benchmark_filter="Memory.*/$bounded/" 2>&1 | grep -E '^BM_' || true
 done
+
+echo
+echo "=== whole process: worst cases (braces, a noisy log) and simple statements ==="
+"$root/bench/worst_cases.sh" "$build"
+"$root/bench/statement_rate.sh" "$build"

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "base/Files.h"
@@ -72,10 +73,17 @@ int main(int argc, char** argv) {
     tarve::AssociateFileType(description, extension);
   };
   int status = 0;
-  if (player.Start(command_line, start) == tarve::Player::Started::kFailed) {
-    status = 1;
-  } else if (!host.ending()) {
-    status = QApplication::exec();
+  // A turn that runs out of memory stops its game itself; reading a huge game or saved game at
+  // start-up ends the program with a message instead of an abort.
+  try {
+    if (player.Start(command_line, start) == tarve::Player::Started::kFailed) {
+      status = 1;
+    } else if (!host.ending()) {
+      status = QApplication::exec();
+    }
+  } catch (const std::bad_alloc&) {
+    std::fputs("tarve: out of memory; the game was stopped.\n", stderr);
+    status = 3;
   }
   // The application goes before the windows, which must not reach it meanwhile.
   host.Detach();

@@ -21,19 +21,38 @@ void AppendToWindow(Game& game, std::string_view message) {
   game.host.window.ScriptLogAppended(message);
 }
 
+std::string CutWithEllipsis(std::string_view text, std::size_t chars) {
+  std::string shown = CharLeft(text, chars);
+  if (shown.size() < text.size()) shown += "...";
+  return shown;
+}
+
 }  // namespace
 
+std::string LogFileBudget::Admit(std::string_view text, std::string_view line_end) {
+  if (full_) return std::string();
+  if (written_ + text.size() <= kMaxLogFileBytes) {
+    written_ += text.size();
+    return std::string(text);
+  }
+  full_ = true;
+  return "Warning: This run has written " + std::to_string(written_) +
+         " bytes to the log file - further messages are not written to it." + std::string(line_end);
+}
+
 void LogScriptError(Game& game, std::string_view message) {
-  if (!message.empty()) AppendToWindow(game, message);
-  std::string line(message);
+  std::string line = message.size() > kMaxLogMessageChars
+                         ? CutWithEllipsis(message, kMaxLogMessageChars)
+                         : std::string(message);
+  if (!line.empty()) AppendToWindow(game, line);
   line += "\r\n";
   AppendToLogFile(game, line);
 }
 
-std::string ShortenedForLog(std::string_view text) {
-  std::string shown = CharLeft(text, 60);
-  if (shown.size() < text.size()) shown += "...";
-  return shown;
+std::string ShortenedForLog(std::string_view text) { return CutWithEllipsis(text, 60); }
+
+std::string QuotedForLog(std::string_view text) {
+  return CutWithEllipsis(TrimView(text), kMaxQuotedChars);
 }
 
 void AppendToLogFile(Game& game, std::string_view text) {
@@ -43,9 +62,11 @@ void AppendToLogFile(Game& game, std::string_view text) {
   if (!log.unwritable_file.empty() && log.unwritable_file == settings.log_file) return;
   // The file is opened and closed for every message, so that the log is complete on disk even
   // when the player is stopped abruptly.
+  const std::string admitted = log.file_budget.Admit(text, "\r\n");
+  if (admitted.empty()) return;
   std::ofstream file(settings.log_file, std::ios::binary | std::ios::app);
   if (file) {
-    file << text;
+    file << admitted;
     file.flush();
   }
   if (!file) {

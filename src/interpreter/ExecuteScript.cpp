@@ -185,6 +185,18 @@ void SetVar(Game& game, const Statement& s) {
   WithParameter(game, s, [&](const std::string& p) { ExecuteSetVar(game, p); });
 }
 
+// The script a loop runs on every round, its keyword found once: the text is the same each
+// round, so matching it again would find the same statement.
+struct LoopBody {
+  std::string_view line;
+  std::string_view trimmed;
+  std::size_t row = 0;
+  bool matched = false;  // a single statement whose keyword is known
+};
+LoopBody PrepareLoopBody(std::string_view script);
+// What ExecuteScript(game, body.line) does.
+void RunLoopBody(Game& game, const LoopBody& body);
+
 // for <variable; from; to> script and for <variable; from; to; step> script. The script may
 // change the variable, which moves the loop on or back; with a step of 0 only the script moves
 // it, and the round limit ends a loop that it never ends.
@@ -220,9 +232,10 @@ void For(Game& game, const Statement& s) {
   if (!nested.entered()) return;
   int i = *from;
   long rounds = 0;
+  const LoopBody body = PrepareLoopBody(script);
   while (*step < 0 ? i >= *to : i <= *to) {
     SetNumericVariable(game, name, static_cast<int16_t>(i));
-    ExecuteScript(game, script);
+    RunLoopBody(game, body);
     if (nested.MustStop()) return;
     // The next value comes from the variable, which the script may have changed; a value that
     // would leave the 16-bit range ends the loop.
@@ -417,7 +430,78 @@ void FoldStart(std::string_view text, FoldedStart& folded) {
   }
 }
 
+enum class QuickMatch { kFound, kNone, kNotAscii };
+
+// Finds the row of a line whose first characters are ASCII by comparing bytes, letters without
+// regard to case, without folding the line first: nearly every line is such a line, and most
+// keywords differ from it in their first bytes. kNotAscii when a byte outside ASCII comes up
+// before a row is decided, since a few other characters lower-case to ASCII letters.
+QuickMatch MatchAscii(std::string_view trimmed, std::size_t& found) {
+  const auto fold = [](unsigned char byte) {
+    return static_cast<char>(byte | (static_cast<unsigned>(byte - 'A') < 26u ? 0x20 : 0));
+  };
+  const auto first = static_cast<unsigned char>(trimmed[0]);
+  if (first >= 0x80) return QuickMatch::kNotAscii;
+  const char letter = fold(first);
+  if (letter < 'a' || letter > 'z') return QuickMatch::kNone;
+  const auto index = static_cast<std::size_t>(letter - 'a');
+  for (std::size_t r = 0; r < kRowsByFirstLetter.count[index]; ++r) {
+    const std::size_t row = kRowsByFirstLetter.rows[index][r];
+    const std::string_view keyword = kStatements[row].keyword;
+    if (trimmed.size() < keyword.size()) continue;
+    std::size_t at = 1;
+    for (; at < keyword.size(); ++at) {
+      const auto byte = static_cast<unsigned char>(trimmed[at]);
+      if (byte >= 0x80) return QuickMatch::kNotAscii;
+      if (fold(byte) != keyword[at]) break;
+    }
+    if (at < keyword.size()) continue;
+    if (kStatements[row].match == Match::kWhole &&
+        !TrimView(trimmed.substr(keyword.size())).empty()) {
+      continue;
+    }
+    found = row;
+    return QuickMatch::kFound;
+  }
+  return QuickMatch::kNone;
+}
+
+LoopBody PrepareLoopBody(std::string_view script) {
+  LoopBody body;
+  body.line = script;
+  body.trimmed = TrimView(script);
+  body.matched = !body.trimmed.empty() && body.trimmed.find("\r\n") == std::string_view::npos &&
+                 MatchAscii(body.trimmed, body.row) == QuickMatch::kFound;
+  return body;
+}
+
+void RunLoopBody(Game& game, const LoopBody& body) {
+  if (!body.matched) {
+    ExecuteScript(game, body.line);
+    return;
+  }
+  NestedScript nested(game);
+  if (!nested.entered()) return;
+  const StatementRow& row = kStatements[body.row];
+  row.handler(game, Statement{body.line, body.trimmed, body.trimmed.substr(row.keyword.size())});
+}
+
 void Dispatch(Game& game, std::string_view line, std::string_view trimmed) {
+  std::size_t found = 0;
+  switch (MatchAscii(trimmed, found)) {
+    case QuickMatch::kFound: {
+      const StatementRow& row = kStatements[found];
+      row.handler(game, Statement{line, trimmed, trimmed.substr(row.keyword.size())});
+      return;
+    }
+    case QuickMatch::kNone:
+      if (trimmed.front() == '\'') return;  // a comment
+      LogScriptError(game,
+                     "Warning: Unrecognized keyword. Line reads: '" + QuotedForLog(trimmed) + "'");
+      return;
+    case QuickMatch::kNotAscii:
+      break;
+  }
   FoldedStart folded;
   FoldStart(trimmed, folded);
   const char first = folded.chars[0];
@@ -436,7 +520,8 @@ void Dispatch(Game& game, std::string_view line, std::string_view trimmed) {
     }
   }
   if (trimmed.front() == '\'') return;  // a comment
-  LogScriptError(game, "Warning: Unrecognized keyword. Line reads: '" + std::string(trimmed) + "'");
+  LogScriptError(game,
+                 "Warning: Unrecognized keyword. Line reads: '" + QuotedForLog(trimmed) + "'");
 }
 
 // A script of several lines is cut at every CR LF; each piece, trimmed, is a statement.

@@ -29,6 +29,11 @@ void AppendValue(Game& game, std::string& result, std::string_view name, Substit
       }
       return;
     case SubstitutionKind::kNumeric: {
+      // A numeric variable holds the decimal text of its number, which is what goes in.
+      if (const VariableEntry* entry = FindVariable(game.variables.numerics, name)) {
+        result.append(entry->value);
+        return;
+      }
       char buffer[8];
       const auto written = std::to_chars(buffer, buffer + sizeof buffer,
                                          static_cast<int>(GetNumericVariable(game, name)));

@@ -56,9 +56,30 @@ bool IsAsciiText(std::string_view text) {
   return true;
 }
 
-VariableEntry* FindEntry(VariableTable& table, std::string_view name) {
+constexpr std::size_t kNoRow = static_cast<std::size_t>(-1);
+
+// The row of the variable `name`, or kNoRow; recent lookups are answered without the index.
+std::size_t FindRow(const VariableTable& table, std::string_view name) {
+  RecentVariable* recent = nullptr;
+  if (!name.empty()) {
+    recent = &table.recent[(name.size() + static_cast<unsigned char>(name.front()) * 3u +
+                            static_cast<unsigned char>(name.back())) %
+                           table.recent.size()];
+    if (recent->name == name) return recent->row;
+  }
   const auto it = table.index.find(name);
-  return it == table.index.end() ? nullptr : &table.entries[it->second];
+  // A name not found is not remembered: the variable may be made later.
+  if (it == table.index.end()) return kNoRow;
+  if (recent != nullptr) {
+    recent->name.assign(name);
+    recent->row = it->second;
+  }
+  return it->second;
+}
+
+VariableEntry* FindEntry(VariableTable& table, std::string_view name) {
+  const std::size_t row = FindRow(table, name);
+  return row == kNoRow ? nullptr : &table.entries[row];
 }
 
 // Writes a variable and tells the viewer of its table about the changed row.
@@ -70,12 +91,12 @@ void WriteVariable(Game& game, VariableTable& table, VariableStore store, std::s
                              "' is longer than " + std::to_string(kMaxVariableValueBytes) +
                              " bytes - the rest of it was cut off.");
   }
-  const auto it = table.index.find(name);
-  const std::size_t old_bytes =
-      it == table.index.end()
-          ? 0
-          : 2 * table.entries[it->second].name.size() + table.entries[it->second].value.size();
-  const std::size_t new_bytes = 2 * name.size() + value.size();
+  const std::size_t found = FindRow(table, name);
+  const std::size_t old_bytes = found == kNoRow ? 0
+                                                : 2 * table.entries[found].name.size() +
+                                                      table.entries[found].value.size() +
+                                                      kVariableRecordBytes;
+  const std::size_t new_bytes = 2 * name.size() + value.size() + kVariableRecordBytes;
   if (game.variables.bytes - old_bytes + new_bytes > kMaxVariablesBytes) {
     LogScriptError(game, "Error: The game's variables would hold more than " +
                              std::to_string(kMaxVariablesBytes) + " bytes - variable '" +
@@ -84,8 +105,8 @@ void WriteVariable(Game& game, VariableTable& table, VariableStore store, std::s
   }
   game.variables.bytes = game.variables.bytes - old_bytes + new_bytes;
   std::size_t row = 0;
-  if (it != table.index.end()) {
-    row = it->second;
+  if (found != kNoRow) {
+    row = found;
     VariableEntry& entry = table.entries[row];
     // The entry takes the spelling of the latest write, so the viewer shows it.
     entry.name.assign(name);
@@ -228,8 +249,8 @@ bool VariableNameEqual::operator()(std::string_view a, std::string_view b) const
 }
 
 const VariableEntry* FindVariable(const VariableTable& table, std::string_view name) {
-  const auto it = table.index.find(name);
-  return it == table.index.end() ? nullptr : &table.entries[it->second];
+  const std::size_t row = FindRow(table, name);
+  return row == kNoRow ? nullptr : &table.entries[row];
 }
 
 void SetStringVariable(Game& game, std::string_view name, std::string_view value) {

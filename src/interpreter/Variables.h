@@ -2,6 +2,7 @@
 // setvar statements.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -32,16 +33,27 @@ struct VariableNameEqual {
   bool operator()(std::string_view a, std::string_view b) const;
 };
 
+// A name as a script last spelt it and the row it found. A loop reads and writes the same few
+// variables over and over, and comparing a short name byte for byte costs far less than hashing
+// and comparing it without regard to case. Rows never move, so a found row stays right.
+struct RecentVariable {
+  std::string name;
+  std::size_t row = 0;
+};
+
 // Variables in order of creation, with an index by lower-cased name.
 struct VariableTable {
   std::vector<VariableEntry> entries;
   std::unordered_map<std::string, std::size_t, VariableNameHash, VariableNameEqual> index;
+  mutable std::array<RecentVariable, 8> recent;  // by a mix of a name's length and letters
 };
 
 struct Variables {
   VariableTable strings;
   VariableTable numerics;
-  std::size_t bytes = 0;  // what the names (twice: as written and indexed) and values hold
+  // What the names (twice: as written and indexed) and values hold, and kVariableRecordBytes
+  // for each variable.
+  std::size_t bytes = 0;
 };
 
 // A variable's value holds at most this many bytes: a longer one is cut (logged). All variables
@@ -49,6 +61,9 @@ struct Variables {
 // script, however it loops, can take all the memory there is.
 inline constexpr std::size_t kMaxVariableValueBytes = std::size_t{1} << 20;
 inline constexpr std::size_t kMaxVariablesBytes = std::size_t{64} << 20;
+// Each variable also counts the separator and line end that a saved game writes with it, so
+// that the variables a game may hold always fit in a saved game that can be loaded again.
+inline constexpr std::size_t kVariableRecordBytes = 4;
 
 // Which variables viewer a row belongs to.
 enum class VariableStore { kString = 1, kNumeric = 2, kCollectable = 3 };

@@ -1,9 +1,11 @@
 #include "player/Player.h"
 
 #include <filesystem>
+#include <new>
 
 #include "base/Numbers.h"
 #include "base/Text.h"
+#include "game/ScriptLog.h"
 #include "player/OpenGame.h"
 #include "player/SavedGames.h"
 #include "world/CommandParser.h"
@@ -94,7 +96,21 @@ bool Player::LoadSavedGame(const std::string& path) {
 bool Player::TakesCommands() const { return !closed_ && !waiting_for_key() && !game_over(); }
 
 void Player::RunTurn(std::string command) {
-  ExecuteCommand(game_, command, /*echo=*/true, /*try_game_commands=*/true);
+  // A game that builds values until the memory runs out stops cleanly at the end of its turn
+  // instead of ending the program: what the turn left half-done is not played on.
+  try {
+    ExecuteCommand(game_, command, /*echo=*/true, /*try_game_commands=*/true);
+  } catch (const std::bad_alloc&) {
+    out_of_memory_ = true;
+    game_.run.game_over = true;
+    try {
+      LogScriptError(game_, "Error: Out of memory - the game was stopped.");
+      game_.host.dialogs.ShowMessage("Tarve ran out of memory, so the game was stopped.", "Error",
+                                     kOkOnly);
+    } catch (const std::bad_alloc&) {
+      // Not even the message fits; the front end still ends the game.
+    }
+  }
 }
 
 void Player::SubmitCommand(std::string_view text) {

@@ -72,6 +72,8 @@ class Player : private ProgramCommands {
   bool waiting_for_key() const { return game_.output.waiting_for_key; }
   bool waiting_for_line() const { return game_.parser.waiting_for_input; }
   bool game_over() const { return game_.run.game_over; }
+  // A turn ran out of memory: the game was stopped (game_over() holds) and the front end ends.
+  bool out_of_memory() const { return out_of_memory_; }
 
   // The direction buttons 0-9 and the action buttons 0-3 ("go to", "look at", "speak to",
   // "take") with the chosen entry of the things-here list.
@@ -128,6 +130,7 @@ class Player : private ProgramCommands {
   bool closed_ = false;  // left by the player: no command runs until a game opens again
   bool opened_from_command_line_ = false;
   bool log_window_visible_ = false;
+  bool out_of_memory_ = false;
 };
 
 }  // namespace tarve

@@ -393,7 +393,17 @@ bool SaveGame(Game& game, const std::string& path) {
     game.host.dialogs.ShowMessage("There is no game in progress to save.", "Error", kOkOnly);
     return false;
   }
-  if (!WriteFileAtomically(path, SavedGameText(game))) {
+  const std::string text = SavedGameText(game);
+  if (text.size() > kMaxSavedGameBytes) {
+    LogScriptError(game, "Error: Unable to save the game to " + path + ": it would take " +
+                             std::to_string(text.size()) + " bytes, more than the " +
+                             std::to_string(kMaxSavedGameBytes) + " a saved game may hold.");
+    game.host.dialogs.ShowMessage(
+        "Unable to save the game to " + path + " - the game holds more than a saved game can.",
+        "Error", kOkOnly);
+    return false;
+  }
+  if (!WriteFileAtomically(path, text)) {
     LogScriptError(game, "Error: Unable to save the game to " + path + ".");
     game.host.dialogs.ShowMessage("Unable to save the game to " + path, "Error", kOkOnly);
     return false;

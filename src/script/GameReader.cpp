@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <optional>
+#include <unordered_map>
 
 #include "base/Files.h"
 #include "base/Text.h"
@@ -180,11 +182,16 @@ class BraceBalances {
   }
 
   // Line `line` now reads `text`.
-  void Update(int line, std::string_view text) {
+  void Update(int line, std::string_view text) { Set(line, BraceBalance(text)); }
+
+  // Line `line` now has the brace balance `balance`.
+  void Set(int line, long balance) {
     std::size_t n = leaves_ + static_cast<std::size_t>(line);
-    sum_[n] = least_[n] = BraceBalance(text);
+    sum_[n] = least_[n] = balance;
     for (n /= 2; n >= 1; n /= 2) Combine(n);
   }
+
+  long Balance(int line) const { return sum_[leaves_ + static_cast<std::size_t>(line)]; }
 
   // The first line from `from` on after which `depth`, changed by every line in turn, is no
   // longer above 0; 0 when no line up to the last one brings it there.
@@ -231,6 +238,24 @@ class BraceBalances {
   std::vector<long> least_;
 };
 
+// The first line of a brace block's procedure while it still holds a "{": the rest of the line
+// it was cut from, not a copy. Each "{" of a line of many would otherwise copy (and count the
+// braces of) everything after it, which takes time in the square of the line's length.
+struct PendingLine {
+  std::shared_ptr<const std::string> source;
+  std::size_t offset = 0;  // the line reads TrimView(source->substr(offset))
+  long balance = 0;        // the brace balance of that text
+};
+
+// The closing line of a brace block, cut before its last "}" and trimmed where it stands, so
+// that a long closing line shared by many nested blocks is not copied for each.
+void CutBeforeLastBrace(std::string& line, std::size_t last) {
+  line.resize(last);
+  while (!line.empty() && line.back() == ' ') line.pop_back();
+  const std::size_t first = line.find_first_not_of(' ');
+  line.erase(0, first == std::string::npos ? line.size() : first);
+}
+
 }  // namespace
 
 bool ReadTextFileLines(const std::string& path, std::vector<std::string>& lines) {
@@ -245,7 +270,19 @@ bool ReadTextFileLines(const std::string& path, std::vector<std::string>& lines)
 
 bool RewriteBraces(Game& game) {
   GameText& text = game.text;
-  std::optional<BraceBalances> balances;  // made at the first brace
+  std::optional<BraceBalances> balances;         // made at the first brace
+  std::unordered_map<int, PendingLine> pending;  // by line number
+  const auto materialize = [&](int line) {
+    const auto it = pending.find(line);
+    if (it == pending.end()) return;
+    text.lines[static_cast<std::size_t>(line)] =
+        Trim(std::string_view(*it->second.source).substr(it->second.offset));
+    pending.erase(it);
+  };
+  const auto refuse = [&] {
+    while (!pending.empty()) materialize(pending.begin()->first);
+    return false;
+  };
   // The loop also reaches the procedures it makes, so braces nested inside a brace block become
   // procedures of their own.
   for (int b = 1; b <= text.BlockCount(); ++b) {
@@ -253,48 +290,76 @@ bool RewriteBraces(Game& game) {
     const int end = text.blocks[static_cast<std::size_t>(b)].end;
     if (BeginsWith(text.Line(start), "define text")) continue;
     for (int i = start + 1; i < end; ++i) {
-      const std::size_t brace = text.Line(i).find('{');
-      if (brace == std::string::npos) continue;
-      if (!balances) balances.emplace(text);
-      const std::string line = text.Line(i);  // the line is rewritten below
+      // The line being rewritten, held apart from the game's lines, with its brace balance.
+      std::shared_ptr<const std::string> source;
+      std::size_t offset = 0;
+      long line_balance = 0;
+      if (const auto it = pending.find(i); it != pending.end()) {
+        source = std::move(it->second.source);
+        offset = it->second.offset;
+        line_balance = it->second.balance;
+        pending.erase(it);
+      } else {
+        if (text.Line(i).find('{') == std::string::npos) continue;
+        if (!balances) balances.emplace(text);
+        line_balance = balances->Balance(i);
+        source = std::make_shared<const std::string>(std::move(text.lines[i]));
+      }
+      const std::string_view line = std::string_view(*source).substr(offset);
+      const std::size_t brace = line.find('{');
 
       const std::string name = "<!intproc" + std::to_string(game.intproc_counter++) + ">";
       std::vector<std::string> body;
-      const std::string_view after = std::string_view(line).substr(brace + 1);
-      if (!TrimView(after).empty()) body.emplace_back(TrimView(after));
-      const long depth = 1 + BraceBalance(after);
+      std::vector<long> body_balances;
+      std::optional<PendingLine> first_pending;
+      const std::string_view after = line.substr(brace + 1);
+      const long after_balance = line_balance - BraceBalance(line.substr(0, brace + 1));
+      const std::string_view first = TrimView(after);
+      if (first.find('{') != std::string_view::npos) {
+        first_pending = PendingLine{source, offset + brace + 1, after_balance};
+        body.emplace_back();
+        body_balances.push_back(after_balance);
+      } else if (!first.empty()) {
+        body.emplace_back(first);
+        body_balances.push_back(after_balance);
+      }
+      const long depth = 1 + after_balance;
       // The block takes the following lines up to the one that brings the depth to 0, even when
       // that line stands after the end define of the block that holds it. A brace that no line
       // up to the last one closes ends with its block instead.
       const int closing = depth > 0 ? balances->Closing(i + 1, depth) : i;
       const int last_taken = closing == 0 ? end - 1 : closing;
       for (int k = i + 1; k <= last_taken; ++k) {
+        materialize(k);
         std::string& taken = text.lines[static_cast<std::size_t>(k)];
-        if (k != closing) {
-          body.push_back(taken);
-        } else {
+        long balance = balances->Balance(k);
+        if (k == closing) {
           const std::size_t last = taken.rfind('}');
-          std::string_view before = TrimView(std::string_view(taken).substr(0, last));
-          if (!before.empty()) body.emplace_back(before);
+          balance -= BraceBalance(std::string_view(taken).substr(last));
+          CutBeforeLastBrace(taken, last);
+        }
+        if (k != closing || !taken.empty()) {
+          body.push_back(std::move(taken));
+          body_balances.push_back(balance);
         }
         taken.clear();
-        balances->Update(k, taken);
+        balances->Set(k, 0);
       }
       if (closing == 0) {
-        LogScriptError(game, "Warning: Missing } for the { in '" + Trim(line) +
+        LogScriptError(game, "Warning: Missing } for the { in '" + QuotedForLog(line) +
                                  "'; the block ends with its 'end define'.");
       }
-      text.lines[static_cast<std::size_t>(i)] =
-          Trim(std::string_view(line).substr(0, brace)) + " do " + name;
+      text.lines[static_cast<std::size_t>(i)] = Trim(line.substr(0, brace)) + " do " + name;
       balances->Update(i, text.Line(i));
 
       const int proc_start = text.LineCount() + 1;
-      if (!AddLine(text, "define procedure " + name)) return false;
-      for (std::string& body_line : body) {
-        if (!AddLine(text, std::move(body_line))) return false;
-        balances->Update(text.LineCount(), text.Line(text.LineCount()));
+      if (!AddLine(text, "define procedure " + name)) return refuse();
+      for (std::size_t n = 0; n < body.size(); ++n) {
+        if (!AddLine(text, std::move(body[n]))) return refuse();
+        if (n == 0 && first_pending) pending.emplace(text.LineCount(), std::move(*first_pending));
+        balances->Set(text.LineCount(), body_balances[n]);
       }
-      if (!AddLine(text, "end define")) return false;
+      if (!AddLine(text, "end define")) return refuse();
       AddBlock(text, proc_start, text.LineCount());
       i = last_taken;
     }

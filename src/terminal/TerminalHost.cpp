@@ -365,7 +365,11 @@ std::optional<std::string> TerminalHost::InputBox(const std::string& title,
 
 void TerminalHost::ScriptLogAppended(std::string_view message) {
   if (!log_.is_open()) return;
-  log_ << message << '\n';
+  std::string line(message);
+  line += '\n';
+  const std::string admitted = log_budget_.Admit(line, "\n");
+  if (admitted.empty()) return;
+  log_ << admitted;
   log_.flush();
 }
 

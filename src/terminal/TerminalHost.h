@@ -13,6 +13,7 @@
 #include <string>
 
 #include "game/Host.h"
+#include "game/ScriptLog.h"
 #include "terminal/LineEditor.h"
 #include "terminal/ScreenText.h"
 
@@ -119,6 +120,7 @@ class TerminalHost : public OutputPane, public Dialogs, public GameWindow {
   Player* player_ = nullptr;
   bool pane_has_text_ = false;  // the game has written since the pane was last cleared
   std::ofstream log_;
+  LogFileBudget log_budget_;  // what this run wrote with --log
   std::ofstream transcript_;
 
   bool bold_ = false, italic_ = false, underline_ = false;

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,6 +31,9 @@
 
 namespace tarve {
 namespace {
+
+// The exit status when the memory ran out (1 is a game that could not be opened).
+constexpr int kOutOfMemoryStatus = 3;
 
 void Dump(TerminalHost& host, const GameText& text) {
   char number[16];
@@ -159,6 +163,10 @@ int Run(const std::vector<std::string>& args) {
     if (!line) break;
     host.Submit(*line);
   }
+  if (player.out_of_memory()) {
+    std::fputs("tarve-cli: out of memory; the game was stopped.\n", stderr);
+    return kOutOfMemoryStatus;
+  }
   return 0;
 }
 
@@ -171,6 +179,13 @@ int main(int argc, char** argv) {
   qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
   // The event loop a wave sound plays in.
   QCoreApplication application(argc, argv);
-  std::vector<std::string> args(argv + 1, argv + argc);
-  return tarve::Run(args);
+  // Running out of memory outside a turn (reading a huge game or saved game) ends the program
+  // with a message, not an abort.
+  try {
+    std::vector<std::string> args(argv + 1, argv + argc);
+    return tarve::Run(args);
+  } catch (const std::bad_alloc&) {
+    std::fputs("tarve-cli: out of memory; the game was stopped.\n", stderr);
+    return tarve::kOutOfMemoryStatus;
+  }
 }

@@ -338,13 +338,13 @@ TEST(LoadSavedGame, DamagedForeignOrMissingFilesLeaveTheGameInProgressUntouched)
     expect_untouched(path);
   }
 
-  // A 50 MB file is refused without being read.
+  // A 90 MB file is refused without being read.
   {
     const std::string huge = farm.dir.path() + "/huge.tsg";
     std::ofstream out(huge, std::ios::binary);
     out << good.substr(0, good.find("!n"));
     const std::string record(1 << 20, 'x');
-    for (int i = 0; i < 50; ++i) out << "big" << i << ";" << record << "\r\n";
+    for (int i = 0; i < 90; ++i) out << "big" << i << ";" << record << "\r\n";
     out << "!n\r\n!e\r\n";
     out.close();
     EXPECT_FALSE(LoadSavedGame(game, huge));
