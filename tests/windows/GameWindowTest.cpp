@@ -90,15 +90,18 @@ void AnswerMessage(bool yes, QString* text = nullptr) {
 }
 
 // Picks `path` in the next file dialog, or cancels it when `path` is empty; records its filter.
-void AnswerFileDialog(const QString& path, QStringList* filters = nullptr) {
+void AnswerFileDialog(const QString& path, QStringList* filters = nullptr, int tries = 50) {
   WhenOpens<QFileDialog>([=](QFileDialog* dialog) {
     if (filters != nullptr) *filters = dialog->nameFilters();
     if (path.isEmpty()) {
       dialog->reject();
-    } else {
-      dialog->selectFile(path);
-      QMetaObject::invokeMethod(dialog, "accept");
+      return;
     }
+    dialog->selectFile(path);
+    QMetaObject::invokeMethod(dialog, "accept");
+    // The dialog's file list fills in on a thread of its own; on a loaded machine it can replace
+    // the chosen name before the accept reads it, and the dialog stays open. Answer it again.
+    if (dialog->isVisible() && tries > 0) AnswerFileDialog(path, nullptr, tries - 1);
   });
 }
 
