@@ -17,6 +17,8 @@ const char* const kUsage =
     "  --transcript FILE  copy the output to FILE\n"
     "  --plain            write text without styles, even on a terminal\n"
     "  --blank-line       print a blank line after each turn\n"
+    "  --resume           keep an unfinished game and offer it again, even when the input\n"
+    "                     is not a terminal\n"
     "  --help             show this help\n";
 
 std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& args,
@@ -46,6 +48,8 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& args
       result.plain = true;
     } else if (arg == "--blank-line") {
       result.blank_line = true;
+    } else if (arg == "--resume") {
+      result.resume = true;
     } else if (arg == "--help") {
       result.help = true;
     } else if (arg == "--log") {

@@ -12,6 +12,7 @@ struct CommandLine {
   bool plain = false;
   bool blank_line = false;
   bool help = false;
+  bool resume = false;  // keep and offer unfinished games even when the input is not a terminal
   std::string log_file;
   std::string settings_dir;  // empty: the user's own settings
   std::string transcript_file;
