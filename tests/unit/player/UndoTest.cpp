@@ -90,11 +90,11 @@ TEST(Undo, TakesBackEveryTableATurnChangedAndTellsThePlayer) {
   ASSERT_TRUE(lab.Open());
   EXPECT_FALSE(lab.t.player.CanUndo());
   const std::size_t bytes = lab.t.game.variables.bytes;
-  const std::string items = lab.t.host.items;
 
   lab.t.player.SubmitCommand("mess");
   ASSERT_EQ(lab.t.game.world.current_room, "Yard");
   ASSERT_EQ(lab.String("fresh"), "fresh=new");
+  ASSERT_NE(lab.t.host.items.find("lamp"), std::string::npos);
   ASSERT_TRUE(lab.t.player.CanUndo());
   lab.t.host.viewer_rows.clear();
 
@@ -115,7 +115,7 @@ TEST(Undo, TakesBackEveryTableATurnChangedAndTellsThePlayer) {
   // What the player sees: the command taken back, the room again, and the panes as they were.
   EXPECT_NE(lab.t.host.output.find("Undone: mess\r\n\r\nYou are in Hall."), std::string::npos);
   EXPECT_EQ(lab.t.host.location, "  Hall");
-  EXPECT_EQ(lab.t.host.items, items);
+  EXPECT_EQ(lab.t.host.items.find("lamp"), std::string::npos);
   EXPECT_FALSE(lab.t.host.viewer_rows.empty());
   EXPECT_FALSE(lab.t.player.CanUndo());
   EXPECT_FALSE(lab.t.player.Undo());
