@@ -36,7 +36,8 @@ bool CompareRows(std::vector<Row>& copy, const std::vector<Row>& now, ChangedRow
     changed.rows.emplace_back(i, std::move(copy[i]));
     copy[i] = now[i];
   }
-  for (std::size_t i = common; i < copy.size(); ++i) changed.rows.emplace_back(i, std::move(copy[i]));
+  for (std::size_t i = common; i < copy.size(); ++i)
+    changed.rows.emplace_back(i, std::move(copy[i]));
   copy.resize(common);
   copy.insert(copy.end(), now.begin() + static_cast<std::ptrdiff_t>(common), now.end());
   return !changed.rows.empty() || changed.old_size != now.size();
@@ -129,8 +130,7 @@ TurnChanges TurnHistory::Compare(const Game& game) {
   changes.any |= CompareRows(copy_.characters, game.world.characters, changes.characters);
   changes.any |= CompareRows(copy_.objects, game.world.objects, changes.objects);
   changes.any |= CompareRows(copy_.items, game.inventory.items, changes.items);
-  changes.any |=
-      CompareRows(copy_.collectables, game.inventory.collectables, changes.collectables);
+  changes.any |= CompareRows(copy_.collectables, game.inventory.collectables, changes.collectables);
   if (variables && !changes.any) {
     changes.any = OwnVariablesChanged(changes.strings, copy_.strings) ||
                   OwnVariablesChanged(changes.numerics, copy_.numerics);
