@@ -9,37 +9,54 @@ namespace tarve {
 
 namespace {
 
-// Rows compare by everything a turn can change in them; what only opening a game sets (names,
-// lines) is compared as well, as it costs little next to a changed row missed.
-bool Same(const VariableEntry& a, const VariableEntry& b) {
-  return a.value == b.value && a.name == b.name;
+// How a kept row compares with the game's row, what is kept of a row, and how a kept row is
+// put back. Variables and collectables are kept whole; of things and items only what a turn can
+// change, so that the copy stays small and quick to walk.
+bool Same(const VariableEntry& kept, const VariableEntry& now) {
+  return kept.value == now.value && kept.name == now.name;
 }
-bool Same(const Thing& a, const Thing& b) {
-  return a.exists == b.exists && a.visible == b.visible && a.room == b.room && a.name == b.name &&
-         a.prefix == b.prefix && a.suffix == b.suffix && a.first_line == b.first_line &&
-         a.last_line == b.last_line;
+bool Same(const Collectable& kept, const Collectable& now) {
+  return kept.amount == now.amount && kept.flag == now.flag && kept.display == now.display &&
+         kept.name == now.name && kept.type == now.type;
 }
-bool Same(const Item& a, const Item& b) { return a.held == b.held && a.name == b.name; }
-bool Same(const Collectable& a, const Collectable& b) {
-  return a.amount == b.amount && a.flag == b.flag && a.display == b.display && a.name == b.name &&
-         a.type == b.type;
+bool Same(const ThingState& kept, const Thing& now) {
+  return kept.exists == now.exists && kept.visible == now.visible && kept.room == now.room;
 }
+bool Same(const ItemState& kept, const Item& now) { return kept.held == now.held; }
+
+const VariableEntry& Kept(const VariableEntry& row) { return row; }
+const Collectable& Kept(const Collectable& row) { return row; }
+ThingState Kept(const Thing& row) { return {row.room, row.exists, row.visible}; }
+ItemState Kept(const Item& row) { return {row.held}; }
+
+template <typename Row>
+void Put(Row& row, const Row& kept) {
+  row = kept;
+}
+void Put(Thing& row, const ThingState& kept) {
+  row.room = kept.room;
+  row.exists = kept.exists;
+  row.visible = kept.visible;
+}
+void Put(Item& row, const ItemState& kept) { row.held = kept.held; }
 
 // Brings `copy` up to `now`, keeping in `changed` the rows of `copy` that differed. True when
 // anything differed.
-template <typename Row>
-bool CompareRows(std::vector<Row>& copy, const std::vector<Row>& now, ChangedRows<Row>& changed) {
+template <typename KeptRow, typename Row>
+bool CompareRows(std::vector<KeptRow>& copy, const std::vector<Row>& now,
+                 ChangedRows<KeptRow>& changed) {
   changed.old_size = copy.size();
   const std::size_t common = std::min(copy.size(), now.size());
   for (std::size_t i = 0; i < common; ++i) {
     if (Same(copy[i], now[i])) continue;
     changed.rows.emplace_back(i, std::move(copy[i]));
-    copy[i] = now[i];
+    copy[i] = Kept(now[i]);
   }
-  for (std::size_t i = common; i < copy.size(); ++i)
+  for (std::size_t i = common; i < copy.size(); ++i) {
     changed.rows.emplace_back(i, std::move(copy[i]));
+  }
   copy.resize(common);
-  copy.insert(copy.end(), now.begin() + static_cast<std::ptrdiff_t>(common), now.end());
+  for (std::size_t i = common; i < now.size(); ++i) copy.push_back(Kept(now[i]));
   return !changed.rows.empty() || changed.old_size != now.size();
 }
 
@@ -61,10 +78,10 @@ bool OwnVariablesChanged(const ChangedRows<VariableEntry>& changed,
   return false;
 }
 
-template <typename Row>
-void RestoreRows(std::vector<Row>& table, const ChangedRows<Row>& changed) {
+template <typename KeptRow, typename Row>
+void RestoreRows(std::vector<Row>& table, const ChangedRows<KeptRow>& changed) {
   table.resize(changed.old_size);
-  for (const auto& [i, row] : changed.rows) table[i] = row;
+  for (const auto& [i, row] : changed.rows) Put(table[i], row);
 }
 
 // Variables are found through their index as well: names a turn added leave it again.
@@ -105,15 +122,9 @@ void Restore(const TurnChanges& changes, Game& game) {
 
 void TurnHistory::Reset(const Game& game) {
   turns_.clear();
-  copy_ = TableCopy{game.variables.strings.entries,
-                    game.variables.numerics.entries,
-                    game.variables.bytes,
-                    game.world.characters,
-                    game.world.objects,
-                    game.inventory.items,
-                    game.inventory.collectables,
-                    game.world.current_room};
+  copy_ = TableCopy();
   active_ = true;
+  Compare(game);
 }
 
 void TurnHistory::Clear() {

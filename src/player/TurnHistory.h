@@ -25,15 +25,25 @@ struct ChangedRows {
   std::vector<std::pair<std::size_t, Row>> rows;
 };
 
+// What a turn can change of a thing and of an item; the rest is set once, when the game opens.
+struct ThingState {
+  std::string room;
+  bool exists = true;
+  bool visible = true;
+};
+struct ItemState {
+  bool held = false;
+};
+
 // What one turn changed, as it was before the turn.
 struct TurnChanges {
   std::string command;
   ChangedRows<VariableEntry> strings;
   ChangedRows<VariableEntry> numerics;
   std::size_t variable_bytes = 0;
-  ChangedRows<Thing> characters;
-  ChangedRows<Thing> objects;
-  ChangedRows<Item> items;
+  ChangedRows<ThingState> characters;
+  ChangedRows<ThingState> objects;
+  ChangedRows<ItemState> items;
   ChangedRows<Collectable> collectables;
   bool room_changed = false;
   std::string room;
@@ -47,9 +57,9 @@ struct TableCopy {
   std::vector<VariableEntry> strings;
   std::vector<VariableEntry> numerics;
   std::size_t variable_bytes = 0;
-  std::vector<Thing> characters;
-  std::vector<Thing> objects;
-  std::vector<Item> items;
+  std::vector<ThingState> characters;
+  std::vector<ThingState> objects;
+  std::vector<ItemState> items;
   std::vector<Collectable> collectables;
   std::string room;
 };
