@@ -18,52 +18,42 @@
 namespace tarve {
 namespace {
 
-class UndoWindowTest : public testing::Test {
- protected:
-  UndoWindowTest() {
-    host_.Attach(*player_);
-    services_.Attach(player_->game());
-  }
-  ~UndoWindowTest() override { host_.Detach(); }
+TEST(UndoWindow, CtrlZTakesBackTheLastMoveOnlyWhileThereIsOne) {
+  DesktopHost host;
+  DesktopServices services({.keep_pauses = false});
+  Player player(Host(host, host, host, services));
+  host.Attach(player);
+  services.Attach(player.game());
+  // The window lets go of the player before the player goes, whatever the test's end.
+  const std::unique_ptr<DesktopHost, void (*)(DesktopHost*)> detach(
+      &host, [](DesktopHost* attached) { attached->Detach(); });
+  frmMain& window = host.window();
+  ASSERT_TRUE(player.OpenGame(std::string(TARVE_TEST_GAMES) + "/desktop/window.gwl"));
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  QLineEdit* box = window.txtCommand();
+  QAction* undo = window.mnuUndo();
+  EXPECT_FALSE(undo->isEnabled());
 
-  frmMain& window() { return host_.window(); }
-
-  void Type(const QString& text) {
-    QLineEdit* box = window().txtCommand();
-    box->setFocus();
-    QTest::keyClicks(box, text);
+  box->setFocus();
+  for (const char* command : {"look", "north"}) {
+    QTest::keyClicks(box, command);
     QTest::keyClick(box, Qt::Key_Return);
+    EXPECT_EQ(undo->isEnabled(), command == std::string("north"));  // a look changes nothing
   }
+  ASSERT_EQ(window.lblLocation()->text().trimmed(), "Garden");
+  EXPECT_FALSE(window.butDir(0)->isEnabled());  // no way north from the garden
 
-  DesktopHost host_;
-  DesktopServices services_{{.keep_pauses = false}};
-  std::unique_ptr<Player> player_ = std::make_unique<Player>(Host(host_, host_, host_, services_));
-};
-
-TEST_F(UndoWindowTest, CtrlZTakesBackTheLastMoveOnlyWhileThereIsOne) {
-  ASSERT_TRUE(player_->OpenGame(std::string(TARVE_TEST_GAMES) + "/desktop/window.gwl"));
-  window().activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
-  QAction* undo = window().mnuUndo();
-  EXPECT_FALSE(undo->isEnabled());
-
-  Type("look");  // changes nothing: still nothing to take back
-  EXPECT_FALSE(undo->isEnabled());
-  Type("north");
-  ASSERT_EQ(window().lblLocation()->text().trimmed(), "Garden");
-  EXPECT_TRUE(undo->isEnabled());
-  EXPECT_FALSE(window().butDir(0)->isEnabled());  // no way north from the garden
-
-  QTest::keyClicks(window().txtCommand(), "half typed");
-  QTest::keyClick(window().txtCommand(), Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_EQ(window().lblLocation()->text().trimmed(), "Hall");
-  EXPECT_TRUE(window().butDir(0)->isEnabled());
-  EXPECT_TRUE(window().txtOutput()->Text().contains("Undone: north"));
+  QTest::keyClicks(box, "half typed");
+  QTest::keyClick(box, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(window.lblLocation()->text().trimmed(), "Hall");
+  EXPECT_TRUE(window.butDir(0)->isEnabled());
+  EXPECT_TRUE(window.txtOutput()->Text().contains("Undone: north"));
   EXPECT_FALSE(undo->isEnabled());
 
   // With nothing to take back, Ctrl+Z is the command box's own again.
-  QTest::keyClick(window().txtCommand(), Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_EQ(window().lblLocation()->text().trimmed(), "Hall");
+  QTest::keyClick(box, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(window.lblLocation()->text().trimmed(), "Hall");
 }
 
 }  // namespace
