@@ -12,6 +12,7 @@
 #include "desktop/DesktopServices.h"
 #include "platform/DocumentTypes.h"
 #include "platform/QtSettingsStore.h"
+#include "player/OptionsForm.h"
 #include "player/Player.h"
 
 #ifndef TARVE_INSTALLED_DATA_DIR
@@ -68,6 +69,10 @@ int main(int argc, char** argv) {
   tarve::Player::StartOptions start;
   start.program_folder = tarve::FindDataFolder(TARVE_INSTALLED_DATA_DIR);
   start.first_run.enabled = true;
+  // A game left unfinished is offered again the next time it is opened.
+  if (const std::string data = tarve::UserDataFolder(); !data.empty()) {
+    start.resume_folder = data + "/resume";
+  }
   start.first_run.associate_file_type = [](const std::string& description,
                                            const std::string& extension) {
     tarve::AssociateFileType(description, extension);

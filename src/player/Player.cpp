@@ -1,14 +1,19 @@
 #include "player/Player.h"
 
+#include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <new>
 
+#include "base/Files.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "game/ScriptLog.h"
 #include "player/OpenGame.h"
 #include "player/SavedGames.h"
 #include "world/CommandParser.h"
+#include "world/Items.h"
+#include "world/RoomDescription.h"
 
 namespace tarve {
 
@@ -25,6 +30,28 @@ constexpr std::array<std::string_view, 4> kActionVerbs = {"go to ", "look at ", 
 constexpr const char* kLeaveQuestion = "Do you really want to exit this game?";
 constexpr const char* kRestartQuestion =
     "Do you really want to restart this game from the beginning?";
+constexpr const char* kResumeQuestion =
+    "You left this game before it was finished. Do you want to go on where you left off? "
+    "(No starts it from the beginning.)";
+constexpr const char* kUndoneText = "Undone: ";
+
+// The game file as one spelling, whichever way it was named, for the key of its kept state.
+std::string NormalGamePath(const std::string& path) {
+  std::error_code ec;
+  std::filesystem::path full = std::filesystem::weakly_canonical(path, ec);
+  if (ec) full = std::filesystem::absolute(path, ec).lexically_normal();
+  return ec ? path : full.string();
+}
+
+// FNV-1a: a short, stable name for a path of any length and any characters.
+std::uint64_t PathHash(const std::string& path) {
+  std::uint64_t hash = 14695981039346656037ull;
+  for (const char c : path) {
+    hash ^= static_cast<unsigned char>(c);
+    hash *= 1099511628211ull;
+  }
+  return hash;
+}
 
 }  // namespace
 
@@ -33,7 +60,11 @@ Player::Player(Host host, std::unique_ptr<SettingsStore> store)
   game_.program = this;
 }
 
-Player::~Player() { CloseOutputFile(game_); }
+Player::~Player() {
+  // The end of a terminal's input, or a program ended without closing its game first.
+  if (game_open_) KeepResumeState();
+  CloseOutputFile(game_);
+}
 
 void Player::Prepare(const StartOptions& options) {
   SeedRandomNumbers(options);
@@ -47,6 +78,7 @@ void Player::SeedRandomNumbers(const StartOptions& options) {
 
 void Player::LoadProgramData(const StartOptions& options) {
   game_.program_folder = options.program_folder;
+  resume_folder_ = options.resume_folder;
   LoadKeywordTable(game_);
   LoadSettings(game_, *store_, options.first_run);
 }
@@ -77,12 +109,16 @@ Player::Started Player::Start(const std::string& command_line, const StartOption
 }
 
 bool Player::OpenGame(const std::string& path) {
-  return OpenGameFile(path, IsInstalledGame(*store_, path));
+  const bool installed = IsInstalledGame(*store_, path);
+  return OfferResume(path, installed) || OpenGameFile(path, installed);
 }
 
 bool Player::OpenGameFile(const std::string& path, bool installed) {
   game_open_ = tarve::OpenGame(game_, path, installed);
-  if (game_open_) closed_ = false;
+  if (game_open_) {
+    closed_ = false;
+    GameStarted(/*progress=*/false);
+  }
   return game_open_;
 }
 
@@ -90,17 +126,68 @@ bool Player::LoadSavedGame(const std::string& path) {
   if (!tarve::LoadSavedGame(game_, path)) return false;
   game_open_ = true;
   closed_ = false;
+  // A loaded game is worth going on with even before its first turn.
+  GameStarted(/*progress=*/true);
   return true;
+}
+
+void Player::GameStarted(bool progress) {
+  history_.Reset(game_);
+  progress_ = progress;
+}
+
+std::string Player::ResumeFile(const std::string& game_file) const {
+  if (resume_folder_.empty() || game_file.empty()) return {};
+  const std::string full = NormalGamePath(game_file);
+  char key[17];
+  std::snprintf(key, sizeof key, "%016llx", static_cast<unsigned long long>(PathHash(full)));
+  // The game file's own name leads, so that the folder can be read by a person.
+  return resume_folder_ + "/" + std::filesystem::path(full).stem().string() + "-" + key + ".tsg";
+}
+
+bool Player::OfferResume(const std::string& path, bool installed) {
+  const std::string kept = ResumeFile(path);
+  std::error_code ec;
+  if (kept.empty() || !std::filesystem::exists(kept, ec)) return false;
+  const bool resume =
+      game_.host.dialogs.ShowMessage(kResumeQuestion, "Tarve", kYesNo) == kAnswerYes;
+  // Asked once: a game started afresh, or kept state that cannot be loaded, is not offered again.
+  if (!resume || !LoadSavedGame(kept)) {
+    std::filesystem::remove(kept, ec);
+    return false;
+  }
+  // Saving must ask for a file of the player's own, not write over the kept state.
+  game_.run.current_saved_game_path.clear();
+  game_.run.installed_game = installed;
+  return true;
+}
+
+void Player::KeepResumeState() {
+  const std::string kept = ResumeFile(game_.game_file);
+  if (kept.empty()) return;
+  std::error_code ec;
+  if (!progress_ || game_over()) {
+    std::filesystem::remove(kept, ec);
+    return;
+  }
+  std::filesystem::create_directories(resume_folder_, ec);
+  if (!WriteFileAtomically(kept, SavedGameText(game_))) {
+    LogScriptError(game_, "Error: The game could not be kept in " + kept + " for next time.");
+  }
 }
 
 bool Player::TakesCommands() const { return !closed_ && !waiting_for_key() && !game_over(); }
 
 void Player::RunTurn(std::string command) {
+  const std::string typed = command;
+  const int games_opened = game_.games_opened;
+  ++turn_depth_;
   // A game that builds values until the memory runs out stops cleanly at the end of its turn
   // instead of ending the program: what the turn left half-done is not played on.
   try {
     ExecuteCommand(game_, command, /*echo=*/true, /*try_game_commands=*/true);
   } catch (const std::bad_alloc&) {
+    --turn_depth_;
     out_of_memory_ = true;
     game_.run.game_over = true;
     try {
@@ -110,7 +197,43 @@ void Player::RunTurn(std::string command) {
     } catch (const std::bad_alloc&) {
       // Not even the message fits; the front end still ends the game.
     }
+    return;
   }
+  --turn_depth_;
+  if (turn_depth_ > 0) return;
+  if (game_.games_opened != games_opened) {
+    // The turn loaded a saved game or its script opened another game: a new start.
+    history_.Reset(game_);
+  } else if (history_.Record(game_, typed)) {
+    progress_ = true;
+  }
+}
+
+bool Player::CanUndo() const {
+  return history_.CanUndo() && turn_depth_ == 0 && TakesCommands() && !waiting_for_line();
+}
+
+bool Player::Undo() {
+  if (!CanUndo()) return false;
+  std::string command;
+  history_.Undo(game_, command);
+  // Open variables viewers show the tables as they are again.
+  for (const VariableStore store : {VariableStore::kString, VariableStore::kNumeric}) {
+    const std::vector<ViewerRow> rows = ViewerRows(store);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      game_.host.window.VariableViewerRow(static_cast<int>(store), static_cast<int>(rows.size()),
+                                          static_cast<int>(i), rows[i].name, rows[i].value);
+    }
+  }
+  RefreshInventory(game_);
+  PrintText(game_, kUndoneText + command);
+  PrintText(game_, "");
+  DescribeRoom(game_, game_.world.current_room);
+  RefreshThingsHere(game_);
+  PrintText(game_, "");
+  // Describing the room sets the variables it publishes; that is no turn of its own.
+  history_.Absorb(game_);
+  return true;
 }
 
 void Player::SubmitCommand(std::string_view text) {
@@ -224,6 +347,8 @@ bool Player::RequestClose() {
 }
 
 void Player::CloseGame(bool end_program) {
+  KeepResumeState();
+  history_.Clear();
   game_.host.platform.StopSounds();
   game_open_ = false;
   closed_ = true;

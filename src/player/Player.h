@@ -15,6 +15,7 @@
 #include "game/Game.h"
 #include "player/Settings.h"
 #include "player/SettingsStore.h"
+#include "player/TurnHistory.h"
 
 namespace tarve {
 
@@ -44,6 +45,9 @@ class Player : private ProgramCommands {
     std::optional<std::uint32_t> seed;  // the random numbers' seed; the clock's when unset
     std::string program_folder;         // the data folder: tarve.dat, libraries
     FirstRunSetup first_run;            // the desktop program's first-run set-up
+    // Where a game left unfinished is kept, to be offered again when it is opened; empty: no
+    // game is kept or offered.
+    std::string resume_folder;
   };
   enum class Started { kGame, kLauncher, kFailed };
   // Starts the program: the random numbers, the keyword table of compiled games, the settings,
@@ -85,6 +89,15 @@ class Player : private ProgramCommands {
   // No more input can come (a terminal's input ended): every wait ends at once, for good.
   void EndOfInput();
 
+  // Takes back the last turn that changed the game (up to TurnHistory::kMaxTurns of them): says
+  // which command it was and describes the room again. False, printing nothing, when there is
+  // nothing to take back, a script waits, or the game is over.
+  bool Undo();
+  bool CanUndo() const;
+  // The file in which the game at `game_file` is kept when it is left unfinished; empty when
+  // no game is kept.
+  std::string ResumeFile(const std::string& game_file) const;
+
   // The menus of the game window.
   void MenuLoad();
   void MenuSave();
@@ -122,6 +135,13 @@ class Player : private ProgramCommands {
   void CloseGame(bool end_program);
   bool TakesCommands() const;
   void RunTurn(std::string command);
+  // A game was opened, restarted or loaded: nothing before it can be undone.
+  void GameStarted(bool progress);
+  // Asks whether to go on with the game at `path` where it was left; true when it was resumed.
+  bool OfferResume(const std::string& path, bool installed);
+  // The game is being left: keeps its state for the next time it is opened, or drops what was
+  // kept when there is nothing worth going on with.
+  void KeepResumeState();
 
   std::unique_ptr<SettingsStore> store_;
   Game game_;
@@ -131,6 +151,10 @@ class Player : private ProgramCommands {
   bool opened_from_command_line_ = false;
   bool log_window_visible_ = false;
   bool out_of_memory_ = false;
+  TurnHistory history_;
+  int turn_depth_ = 0;  // an `enter` answer is a turn run inside the turn that asked
+  std::string resume_folder_;
+  bool progress_ = false;  // a turn changed the game since it was opened or restarted
 };
 
 }  // namespace tarve

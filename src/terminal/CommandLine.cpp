@@ -20,6 +20,8 @@ const char* const kUsage =
     "  --width N          wrap the text at N columns (default: the terminal's width;\n"
     "                     piped output is not wrapped)\n"
     "  --no-status        no status line at the top of the terminal\n"
+    "  --resume           keep an unfinished game and offer it again, even when the input\n"
+    "                     is not a terminal\n"
     "  -h, --help         show this help\n"
     "  --version          show the version\n"
     "\n"
@@ -61,6 +63,8 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& args
       result.plain = true;
     } else if (arg == "--blank-line") {
       result.blank_line = true;
+    } else if (arg == "--resume") {
+      result.resume = true;
     } else if (arg == "--help") {
       result.help = true;
     } else if (arg == "--version") {

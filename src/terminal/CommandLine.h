@@ -14,6 +14,7 @@ struct CommandLine {
   bool help = false;
   bool version = false;
   bool no_status = false;  // no status line at the top of a terminal
+  bool resume = false;  // keep and offer unfinished games even when the input is not a terminal
   std::string log_file;
   std::string settings_dir;  // empty: the user's own settings
   std::string transcript_file;

@@ -38,6 +38,10 @@ bool IsGameFile(Context& c, const std::string& path, bool transcript = false) {
 void Help(Context& c, const std::string& argument);
 
 constexpr std::array kCommands = {
+    PlayerCommand{"undo", "", "take back the last turn",
+                  [](Context& c, const std::string&) {
+                    if (!c.player.Undo()) c.host.WriteLine("There is nothing to undo.");
+                  }},
     PlayerCommand{"restart", "", "start the game again",
                   [](Context& c, const std::string&) { c.player.MenuRestart(); }},
     PlayerCommand{"save", " FILE", "save to FILE, or ask for a name",

@@ -136,6 +136,12 @@ int Run(const std::vector<std::string>& args) {
   if (options->seed) start.seed = static_cast<std::uint32_t>(*options->seed);
   start.program_folder = FindDataFolder(TARVE_INSTALLED_DATA_DIR);
   player.game().output.blank_line_after_turn = options->blank_line;
+  // Piped input replays a script, which a kept game would change: only a player at a terminal
+  // (or one who asks) goes on where a game was left.
+  if (const std::string data = UserDataFolder();
+      !data.empty() && (options->resume || isatty(STDIN_FILENO) != 0)) {
+    start.resume_folder = data + "/resume";
+  }
 
   if (options->dump) {
     // The game is read, not opened: start-up without a command line and without a launcher.

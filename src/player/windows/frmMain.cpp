@@ -260,6 +260,7 @@ QWidget* frmMain::BuildSidePanel() {
     const int index = static_cast<int>(i);
     connect(button, &QPushButton::clicked, this, [this, index] {
       if (player_ != nullptr) player_->PressDirectionButton(index);
+      UpdateControls();
     });
     // Help takes the whole row under the compass.
     directions->addWidget(button, look.row, look.column, 1, look.letter == '\0' ? 3 : 1);
@@ -296,6 +297,7 @@ void frmMain::BuildMenus() {
   tarve->setObjectName(QStringLiteral("mnuTarve"));
   mnu_restart_ = tarve->addAction(tr("&Restart this game"), this, [this] {
     if (player_ != nullptr) player_->MenuRestart();
+    UpdateControls();
   });
   mnu_different_game_ = tarve->addAction(tr("E&xit this game"), this, [this] {
     if (player_ != nullptr) player_->MenuDifferentGame();
@@ -311,8 +313,15 @@ void frmMain::BuildMenus() {
 
   QMenu* game = menuBar()->addMenu(tr("&Game"));
   game->setObjectName(QStringLiteral("mnuSaveLoad"));
+  mnu_undo_ = game->addAction(tr("&Undo"), QKeySequence::Undo, this, [this] {
+    if (player_ == nullptr) return;
+    player_->Undo();
+    UpdateControls();
+  });
+  game->addSeparator();
   mnu_load_ = game->addAction(tr("&Load game..."), QKeySequence::Open, this, [this] {
     if (player_ != nullptr) player_->MenuLoad();
+    UpdateControls();
   });
   mnu_save_ = game->addAction(tr("&Save game"), QKeySequence::Save, this, [this] {
     if (player_ != nullptr) player_->MenuSave();
@@ -323,6 +332,7 @@ void frmMain::BuildMenus() {
   game->addSeparator();
   mnu_game_info_ = game->addAction(tr("Game &info"), this, [this] {
     if (player_ != nullptr) player_->MenuGameInfo();
+    UpdateControls();
   });
 
   QMenu* view = menuBar()->addMenu(tr("&View"));
@@ -491,6 +501,7 @@ void frmMain::UpdateControls() {
   mnu_restart_->setEnabled(menus);
   mnu_options_->setEnabled(menus || (over && !key_wait && !line_wait));
   mnu_different_game_->setEnabled(menus);
+  mnu_undo_->setEnabled(menus && !over && player_->CanUndo());
 
   // While a key wait is pending the keys must reach the window: the pane, which stays enabled,
   // takes the focus from the disabled command box.
@@ -576,6 +587,7 @@ void frmMain::Execute() {
   history_position_ = history_.size();
   draft_.clear();
   player_->SubmitCommand(text.toStdString());
+  UpdateControls();
 }
 
 void frmMain::RecallHistory(int step) {
@@ -607,6 +619,7 @@ void frmMain::PressActionButton(int index) {
   QListWidgetItem* chosen = lst_objects_->currentItem();
   if (player_ == nullptr || chosen == nullptr) return;
   player_->PressActionButton(index, chosen->text().toStdString());
+  UpdateControls();
 }
 
 void frmMain::ApplyLabelColours(bool highlighted) {
@@ -724,6 +737,13 @@ bool frmMain::EndKeyWait(QObject* watched, QEvent* event) {
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
   if (EndKeyWait(watched, event)) return true;
+  // While a turn can be taken back, Ctrl+Z in the command box takes it back rather than undoing
+  // the typing: the box gives the key up to the window's Undo entry.
+  if (watched == txt_command_ && event->type() == QEvent::ShortcutOverride &&
+      static_cast<QKeyEvent*>(event)->matches(QKeySequence::Undo) && mnu_undo_->isEnabled()) {
+    event->ignore();
+    return true;
+  }
   if (watched == txt_command_ && event->type() == QEvent::KeyPress) {
     auto* key = static_cast<QKeyEvent*>(event);
     switch (key->key()) {

@@ -97,6 +97,7 @@ class frmMain : public QMainWindow {
   QAction* mnuRestart() const { return mnu_restart_; }
   QAction* mnuDifferentGame() const { return mnu_different_game_; }
   QAction* mnuGameInfo() const { return mnu_game_info_; }
+  QAction* mnuUndo() const { return mnu_undo_; }
   QAction* mnuOptions() const { return mnu_options_; }
   QAction* mnuViewLog() const { return mnu_view_log_; }
   QAction* mnuViewVariables(VariableStore store) const;
@@ -153,6 +154,7 @@ class frmMain : public QMainWindow {
   QAction* mnu_restart_ = nullptr;
   QAction* mnu_different_game_ = nullptr;
   QAction* mnu_game_info_ = nullptr;
+  QAction* mnu_undo_ = nullptr;
   QAction* mnu_options_ = nullptr;
   QAction* mnu_view_log_ = nullptr;
   std::array<QAction*, 3> mnu_view_variables_{};
