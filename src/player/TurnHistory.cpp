@@ -94,6 +94,8 @@ void RestoreVariables(VariableTable& table, const ChangedRows<VariableEntry>& ch
   for (const auto& [i, row] : changed.rows) {
     if (table.index.find(row.name) == table.index.end()) table.index.emplace(LCase(row.name), i);
   }
+  // The rows a turn added are gone, so a name looked up lately may point past the table's end.
+  table.recent.fill({});
 }
 
 void Restore(const TurnChanges& changes, TableCopy& copy) {

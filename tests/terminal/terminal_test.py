@@ -108,6 +108,7 @@ def history_and_echo(cli, game):
     s.close()
     again = Session(cli, game, home=home)
     again.pump()
+    again.type(b"n" + ENTER)  # the game left at Ctrl-D is offered again: start afresh
     again.type(UP + UP + ENTER)
     check(again.text().count("> n") == 1 and "Roses." in again.text(),
           "the history of the game is kept for the next run", again)
