@@ -97,10 +97,15 @@ void AnswerFileDialog(const QString& path, QStringList* filters = nullptr, int t
       dialog->reject();
       return;
     }
-    dialog->selectFile(path);
+    // The name is typed into the name box: selectFile() leaves a box that has the focus alone
+    // (whether it has depends on how soon the dialog was activated), and the file list it would
+    // select from fills in on a thread of its own.
+    if (auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))) {
+      name->setText(path);
+    } else {
+      dialog->selectFile(path);
+    }
     QMetaObject::invokeMethod(dialog, "accept");
-    // The dialog's file list fills in on a thread of its own; on a loaded machine it can replace
-    // the chosen name before the accept reads it, and the dialog stays open. Answer it again.
     if (dialog->isVisible() && tries > 0) AnswerFileDialog(path, nullptr, tries - 1);
   });
 }
