@@ -50,6 +50,10 @@ bool WriteLargeGame(const std::string& folder, const LargeGameFiles& files, std:
 // Empty when all agree, otherwise what differs.
 std::string CheckLargeGame(const std::string& folder, const LargeGameFigures& figures);
 
+// A beach holding `pebbles` numbered pebbles and one shell, all in its one room: the stress game
+// of the parser's and the room description's tests.
+std::string MakeCrowdedBeach(int pebbles);
+
 // A host that shows nothing: the reader's only calls to the outside world are message boxes
 // on failure.
 class NullHost : public OutputPane, public Dialogs, public GameWindow, public PlatformServices {
