@@ -1,6 +1,7 @@
 // The large generated game the benchmarks read: a game folder written from a fixed seed, with
 // every kind of block, brace blocks, `else` lines, continued lines, tabs and two libraries, and
-// the figures the reader must arrive at when it reads that folder.
+// the figures the reader must arrive at when it reads that folder; and the tests' stress game of
+// one crowded room.
 #pragma once
 
 #include <string>
