@@ -1,7 +1,9 @@
 // tarve-gen-large: writes the large generated game of the benchmarks into a folder, reads it
-// back with the game reader and prints what the reader made of it.
+// back with the game reader and prints what the reader made of it; or writes the tests' beach
+// of many pebbles into one file.
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -11,15 +13,26 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: tarve-gen-large [--scale X] [FOLDER]\n"
+    "       tarve-gen-large --beach PEBBLES FILE\n"
     "Writes large.gwl, lib1.gwl and lib2.gwl into FOLDER (default: bench/generated/large).\n"
     "  --scale X   size of the game: 1 (the default) is about 31,000 lines once read,\n"
-    "              0.5 half of that\n";
+    "              0.5 half of that\n"
+    "  --beach N   writes FILE, a game of one room holding N pebbles and a shell\n";
 
 }  // namespace
 
 int main(int argc, char** argv) {
   std::string folder = std::string(TARVE_BENCH_DEFAULT_FOLDER) + "/large";
   double scale = 1.0;
+  if (argc == 4 && std::string_view(argv[1]) == "--beach") {
+    const int pebbles = std::atoi(argv[2]);
+    std::ofstream file(argv[3], std::ios::binary | std::ios::trunc);
+    file << tarve::bench::MakeCrowdedBeach(pebbles);
+    file.close();
+    if (pebbles > 0 && file) return 0;
+    std::fprintf(stderr, "tarve-gen-large: cannot write %d pebbles into %s\n", pebbles, argv[3]);
+    return 1;
+  }
   for (int i = 1; i < argc; ++i) {
     const std::string_view arg = argv[i];
     if (arg == "--scale" && i + 1 < argc) {

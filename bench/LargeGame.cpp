@@ -619,6 +619,21 @@ bool EndsWith(std::string_view text, std::string_view suffix) {
 
 LargeGameFiles MakeLargeGame(double scale) { return Generator(scale).Make(); }
 
+std::string MakeCrowdedBeach(int pebbles) {
+  std::string game =
+      "' A beach with " + std::to_string(pebbles) +
+      " pebbles and one shell.\n"
+      "define game <Pebbles>\n    gwl-version <217>\n    start <Beach>\nend define\n\n"
+      "define room <Beach>\n    look <Pebbles as far as the eye can see.>\n";
+  for (int i = 1; i <= pebbles; ++i) {
+    const std::string n = std::to_string(i);
+    game += "    define object <pebble " + n + ">\n        look <Pebble number " + n +
+            ".>\n        take msg <You take pebble " + n + ".>\n    end define\n";
+  }
+  return game +
+         "    define object <shell>\n        look <A pink shell.>\n    end define\nend define\n";
+}
+
 bool WriteLargeGame(const std::string& folder, const LargeGameFiles& files, std::string& error) {
   std::error_code ec;
   std::filesystem::create_directories(folder, ec);

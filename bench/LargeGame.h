@@ -1,6 +1,7 @@
 // The large generated game the benchmarks read: a game folder written from a fixed seed, with
 // every kind of block, brace blocks, `else` lines, continued lines, tabs and two libraries, and
-// the figures the reader must arrive at when it reads that folder.
+// the figures the reader must arrive at when it reads that folder; and the tests' stress game of
+// one crowded room.
 #pragma once
 
 #include <string>
@@ -49,6 +50,10 @@ bool WriteLargeGame(const std::string& folder, const LargeGameFiles& files, std:
 // Reads `folder`/large.gwl with the game reader and compares what it made with `figures`.
 // Empty when all agree, otherwise what differs.
 std::string CheckLargeGame(const std::string& folder, const LargeGameFigures& figures);
+
+// A beach holding `pebbles` numbered pebbles and one shell, all in its one room: the stress game
+// of the parser's and the room description's tests.
+std::string MakeCrowdedBeach(int pebbles);
 
 // A host that shows nothing: the reader's only calls to the outside world are message boxes
 // on failure.

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "base/Numbers.h"
 #include "script/GameReader.h"
@@ -41,15 +42,6 @@ void RecordingHost::ClearOutput() {
   styled += "{clear}";
 }
 
-std::optional<std::string> RecordingHost::InputBox(const std::string& title,
-                                                   const std::string& prompt) {
-  input_boxes.push_back("[" + title + "] " + prompt);
-  if (input_box_answers.empty()) return std::nullopt;
-  std::optional<std::string> answer = input_box_answers.front();
-  input_box_answers.pop_front();
-  return answer;
-}
-
 void RecordingHost::ShowProgress(const std::string& caption_text, int percent) {
   progress.push_back(caption_text + " " + std::to_string(percent));
 }
@@ -66,26 +58,6 @@ void RecordingHost::ProcessEventsUntil(const std::function<bool()>& done) {
     // Enter ends a pending key wait; otherwise the line goes to the command box.
     player->SubmitCommand(line);
   }
-}
-
-int RecordingHost::ShowSelection(const std::string& prompt,
-                                 const std::vector<std::string>& answers) {
-  std::string record = prompt + ":";
-  for (std::size_t i = 0; i < answers.size(); ++i) record += (i == 0 ? " " : "|") + answers[i];
-  selections.push_back(record);
-  if (answers.empty()) return -1;
-  if (selection_answers.empty()) return 0;
-  const int answer = selection_answers.front();
-  selection_answers.pop_front();
-  return answer;
-}
-
-std::optional<std::string> RecordingHost::ChooseSavedGameFile(bool save) {
-  file_dialogs.push_back(save ? "save" : "load");
-  if (file_dialog_answers.empty()) return std::nullopt;
-  std::optional<std::string> answer = file_dialog_answers.front();
-  file_dialog_answers.pop_front();
-  return answer;
 }
 
 void RecordingHost::EnableGameControls(bool on) {
@@ -121,6 +93,13 @@ std::string TempDir::Write(const std::string& name, std::string_view content) co
   std::filesystem::create_directories(file.parent_path());
   std::ofstream(file, std::ios::binary) << content;
   return file.string();
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream bytes;
+  bytes << in.rdbuf();
+  return bytes.str();
 }
 
 TestGame::TestGame(const TempDir& dir) {

@@ -36,7 +36,9 @@ class RecordingHost : public OutputPane,
   void ClearOutput() override;
   void Repaint() override { ++repaints; }
   int ShowMessage(const std::string& text, const std::string& title, int style) override;
-  std::optional<std::string> InputBox(const std::string& title, const std::string& prompt) override;
+  std::optional<std::string> InputBox(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
   void ScriptLogAppended(std::string_view message) override { log.emplace_back(message); }
   void ShowProgress(const std::string& caption, int percent) override;
   void CloseProgress() override { progress.push_back("closed"); }
@@ -46,19 +48,21 @@ class RecordingHost : public OutputPane,
   // Replays `input` the way the terminal does: a line ends a key wait, otherwise it goes to the
   // command box; when the script runs out, every wait ends.
   void ProcessEventsUntil(const std::function<bool()>& done) override;
-  int ShowSelection(const std::string& prompt, const std::vector<std::string>& answers) override;
-  std::optional<std::string> ChooseSavedGameFile(bool save) override;
+  int ShowSelection(const std::string&, const std::vector<std::string>& answers) override {
+    return answers.empty() ? -1 : 0;
+  }
+  std::optional<std::string> ChooseSavedGameFile(bool) override { return std::nullopt; }
 
   void SetCaption(const std::string& text) override { caption = text; }
   void SetLocation(const std::string& text) override { location = text; }
-  void SetStatusText(const std::string& text) override { status_text = text; }
+  void SetStatusText(const std::string&) override {}
   void SetDirections(const std::string& letters) override { directions = letters; }
   void SetThingsHere(const std::vector<ListedThing>& things) override { things_here = things; }
   void SetItems(const std::string& text) override { items = text; }
   void SetCollectables(const std::vector<std::string>& lines) override { collectables = lines; }
   void EnableGameControls(bool on) override;
   void ShowDebugMenu(bool shown) override { debug_menu_shown = shown; }
-  void GameOver() override { game_over = true; }
+  void GameOver() override {}
   void ClearCommandBox() override { ++command_box_clears; }
   void FocusCommandBox() override { ++command_box_focus; }
   void SetBusy(bool on) override { busy = on; }
@@ -82,22 +86,12 @@ class RecordingHost : public OutputPane,
   // Input lines for ProcessEventsUntil, and the pane's text at the start of each wait.
   std::deque<std::string> input;
   std::vector<std::string> waits;
-  // Input boxes: "[TITLE] PROMPT" for each, answered in turn (cancelled when none is left).
-  std::vector<std::string> input_boxes;
-  std::deque<std::optional<std::string>> input_box_answers;
-  // Selections: "PROMPT: A|B|C" for each, answered in turn with an index (the first when none
-  // is left).
-  std::vector<std::string> selections;
-  std::deque<int> selection_answers;
-  // Saved-game file dialogs: "save" or "load" for each, answered in turn (cancelled when none
-  // is left).
-  std::vector<std::string> file_dialogs;
-  std::deque<std::optional<std::string>> file_dialog_answers;
+  // Selections are answered with their first answer; input boxes and saved-game file dialogs
+  // are cancelled.
 
   // The game window's state as the engine last set it.
   std::string caption;
   std::string location;
-  std::string status_text;
   std::string directions;
   std::vector<ListedThing> things_here;
   std::string items;
@@ -105,7 +99,6 @@ class RecordingHost : public OutputPane,
   bool controls_enabled = true;
   std::vector<bool> control_changes;  // every EnableGameControls call in order
   bool debug_menu_shown = true;
-  bool game_over = false;
   int command_box_clears = 0;
   int command_box_focus = 0;
   bool busy = false;
@@ -153,6 +146,9 @@ class TempDir {
  private:
   std::string path_;
 };
+
+// The bytes of the file at `path`; empty when it cannot be read.
+std::string ReadFile(const std::string& path);
 
 // A game ready to read files from `dir`: game path and program folder set.
 struct TestGame {

@@ -74,9 +74,13 @@ bool Parse(const fs::path& path, Transcript& t, std::string& error) {
         const std::size_t blank = line.find(' ');
         const std::string key = line.substr(0, blank);
         const std::string value = blank == std::string::npos ? "" : line.substr(blank + 1);
-        if (key == "@game")
-          t.game = value;
-        else if (key == "@args")
+        if (key == "@game") {
+          // "{generated}" names the folder of the games the build generates (stress games).
+          const char* generated = std::getenv("TARVE_GENERATED_GAMES");
+          t.game = value.starts_with("{generated}") && generated != nullptr
+                       ? generated + value.substr(11)
+                       : value;
+        } else if (key == "@args")
           t.args = SplitWords(value);
         else if (key == "@status")
           t.status = std::atoi(value.c_str());

@@ -348,6 +348,12 @@ TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) 
     // The keys of the list: Delete removes, Ctrl+Up moves.
     QTest::keyClick(editor->lstGames(), Qt::Key_Up, Qt::ControlModifier);
     EXPECT_EQ(editor->lstGames()->item(1)->text(), QStringLiteral("Dungeon"));
+    // Past either end an entry comes round to the other end.
+    for (Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Up, Qt::Key_Up}) {
+      QTest::keyClick(editor->lstGames(), key, Qt::ControlModifier);
+    }
+    EXPECT_EQ(editor->lstGames()->item(1)->text(), QStringLiteral("Dungeon"));
+    EXPECT_EQ(editor->lstGames()->currentRow(), 1);
     // Nothing is written while the editor is open.
     EXPECT_EQ(store.Read("Games", "Name3"), "Cellar");
     editor->butClose()->click();

@@ -57,43 +57,31 @@ std::vector<QString> Entries(const QListWidget* list) {
   return entries;
 }
 
-// Every key of the "Options" and "Security" sections that the store holds.
-std::map<std::string, std::string> OptionKeys(const SettingsStore& store) {
-  constexpr const char* kOptions[] = {"LogErrors",
-                                      "LogFile",
-                                      "OutputFile",
-                                      "OutFile",
-                                      "SpecialMsgBox",
-                                      "AutoInstall",
-                                      "DetailedLook",
-                                      "DefaultFontName",
-                                      "DefaultFontSize",
-                                      "DefaultFontBold",
-                                      "DefaultFontItalic",
-                                      "OverrideGameDefaultFont",
-                                      "OverrideAllFonts",
-                                      "OverrideEffects",
-                                      "LabelForegroundColour",
-                                      "LabelBackgroundColour"};
-  constexpr const char* kSecurity[] = {"SecurityType",         "ZeroSecurityInstalledGames",
-                                       "NumberCustomSecurity", "CustomSecurityIsDisallow",
-                                       "CustomSecurity1",      "CustomSecurity2",
-                                       "CustomSecurity3",      "CustomSecurity4",
-                                       "CustomSecurity5"};
+// A settings store whose every key, as "SECTION/KEY", a test can compare at once.
+class KeyStore : public SettingsStore {
+ public:
+  std::optional<std::string> Read(std::string_view section, std::string_view key) const override {
+    auto it = keys.find(Name(section, key));
+    return it == keys.end() ? std::nullopt : std::optional<std::string>(it->second);
+  }
+  void Write(std::string_view section, std::string_view key, std::string_view value) override {
+    keys[Name(section, key)] = value;
+  }
+  void Remove(std::string_view section, std::string_view key) override {
+    keys.erase(Name(section, key));
+  }
   std::map<std::string, std::string> keys;
-  for (const char* key : kOptions) {
-    if (auto value = store.Read("Options", key)) keys[std::string("Options/") + key] = *value;
+
+ private:
+  static std::string Name(std::string_view section, std::string_view key) {
+    return std::string(section) + "/" + std::string(key);
   }
-  for (const char* key : kSecurity) {
-    if (auto value = store.Read("Security", key)) keys[std::string("Security/") + key] = *value;
-  }
-  return keys;
-}
+};
 
 class OptionsWindowTest : public ::testing::Test {
  protected:
   QTemporaryDir data;
-  MemorySettingsStore store;
+  KeyStore store;
   Settings settings;
 };
 
@@ -195,7 +183,7 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
       {"Security/CustomSecurity2", "COM"},
       {"Security/CustomSecurity3", "DOC"},
       {"Security/CustomSecurity4", "TXT"}};
-  EXPECT_EQ(OptionKeys(store), expected);
+  EXPECT_EQ(store.keys, expected);
   EXPECT_FALSE(settings.special_msg_box);  // the player's settings changed with the store
   EXPECT_EQ(settings.custom_security.back(), "TXT");
 
@@ -262,7 +250,7 @@ TEST_F(OptionsWindowTest, CancelChangesNothingEvenWhatTheFontAndListEditorsChose
   options.butCancel()->click();
 
   EXPECT_EQ(options.result(), QDialog::Rejected);
-  EXPECT_EQ(store.Size(), 0u);
+  EXPECT_TRUE(store.keys.empty());
   const Settings defaults;
   EXPECT_TRUE(settings.special_msg_box);
   EXPECT_EQ(settings.security_type, 3);

@@ -3,88 +3,81 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "base/Numbers.h"
 
 namespace tarve {
 namespace {
 
-TEST(Numbers, ValReadsTheLeadingNumber) {
-  EXPECT_DOUBLE_EQ(Val("42"), 42.0);
-  EXPECT_DOUBLE_EQ(Val("  -3.5abc"), -3.5);
-  EXPECT_DOUBLE_EQ(Val("+4"), 4.0);
-  EXPECT_DOUBLE_EQ(Val(".5"), 0.5);
-  EXPECT_DOUBLE_EQ(Val("-.25"), -0.25);
-  EXPECT_DOUBLE_EQ(Val("7."), 7.0);
-  EXPECT_DOUBLE_EQ(Val("2.5.1"), 2.5);
-  EXPECT_DOUBLE_EQ(Val("2+3*4"), 2.0);
-  EXPECT_DOUBLE_EQ(Val("1,000"), 1.0);
-  EXPECT_DOUBLE_EQ(Val("007"), 7.0);
-  EXPECT_DOUBLE_EQ(Val("0.1"), 0.1);
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+TEST(Numbers, ValReadsTheLeadingNumberSkippingBlanksAnywhere) {
+  const std::pair<const char*, double> cases[] = {
+      {"42", 42},
+      {"  -3.5abc", -3.5},
+      {"+4", 4},
+      {".5", 0.5},
+      {"-.25", -0.25},
+      {"7.", 7},
+      {"2.5.1", 2.5},
+      {"2+3*4", 2},
+      {"1,000", 1},
+      {"007", 7},
+      {"0.1", 0.1},
+      {"1 2", 12},
+      {"\t- 1\n5 . 5", -15.5},
+      {"1 e 2", 100},
+      {"1\r2", 1},  // a carriage return is not skipped
+      {"abc", 0},
+      {"", 0},
+      {"-", 0},
+      {".", 0},
+      {"--3", 0},
+      {"e3", 0},
+      {"1e3", 1000},
+      {"2.5E-2", 0.025},
+      {"3e+2x", 300},
+      {"1e", 1},
+      {"1e+", 1},
+      {"1e-x", 1},
+      {"1e2e3", 100},
+      // Numbers beyond a double run to infinity or to zero, never to a crash.
+      {"1e999", kInf},
+      {"-1e999", -kInf},
+      {"1e-999", 0},
+      {"0e99999", 0},
+      {"1e99999999999999999999999", kInf},
+  };
+  for (const auto& [text, value] : cases) EXPECT_DOUBLE_EQ(Val(text), value) << text;
 }
 
-TEST(Numbers, ValSkipsBlanksTabsAndLineFeedsAnywhere) {
-  EXPECT_DOUBLE_EQ(Val("1 2"), 12.0);
-  EXPECT_DOUBLE_EQ(Val("\t- 1\n5 . 5"), -15.5);
-  EXPECT_DOUBLE_EQ(Val("1 e 2"), 100.0);
-  // A carriage return is not skipped.
-  EXPECT_DOUBLE_EQ(Val("1\r2"), 1.0);
-}
-
-TEST(Numbers, ValGivesZeroWithoutDigits) {
-  EXPECT_EQ(Val("abc"), 0.0);
-  EXPECT_EQ(Val(""), 0.0);
-  EXPECT_EQ(Val("-"), 0.0);
-  EXPECT_EQ(Val("."), 0.0);
-  EXPECT_EQ(Val("--3"), 0.0);
-  EXPECT_EQ(Val("e3"), 0.0);
-}
-
-TEST(Numbers, ValReadsExponents) {
-  EXPECT_DOUBLE_EQ(Val("1e3"), 1000.0);
-  EXPECT_DOUBLE_EQ(Val("2.5E-2"), 0.025);
-  EXPECT_DOUBLE_EQ(Val("3e+2x"), 300.0);
-  EXPECT_DOUBLE_EQ(Val("1e"), 1.0);
-  EXPECT_DOUBLE_EQ(Val("1e+"), 1.0);
-  EXPECT_DOUBLE_EQ(Val("1e-x"), 1.0);
-  EXPECT_DOUBLE_EQ(Val("1e2e3"), 100.0);
-  // Numbers beyond a double run to infinity or to zero, never to a crash.
-  EXPECT_EQ(Val("1e999"), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(Val("-1e999"), -std::numeric_limits<double>::infinity());
-  EXPECT_EQ(Val("1e-999"), 0.0);
-  EXPECT_EQ(Val("1e99999999999999999999999"), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(Val("0e99999"), 0.0);
-}
-
-TEST(Numbers, ToInt16RoundsHalfToEven) {
-  EXPECT_EQ(ToInt16(2.5), 2);
-  EXPECT_EQ(ToInt16(3.5), 4);
-  EXPECT_EQ(ToInt16(-2.5), -2);
-  EXPECT_EQ(ToInt16(-3.5), -4);
-  EXPECT_EQ(ToInt16(2.4999), 2);
-  EXPECT_EQ(ToInt16(2.5001), 3);
-  EXPECT_EQ(ToInt16(-0.4), 0);
-  EXPECT_EQ(ToInt16(0.5), 0);
-  EXPECT_EQ(ToInt16(1.5), 2);
-  // Quotients computed as single-precision reals.
-  EXPECT_EQ(ToInt16(7 / 2.0f), 4);
-  EXPECT_EQ(ToInt16(5 / 2.0f), 2);
-  EXPECT_EQ(ToInt16(-7 / 2.0f), -4);
-}
-
-TEST(Numbers, ToInt16GivesNothingOutsideSixteenBits) {
-  EXPECT_EQ(ToInt16(32767.0), 32767);
-  EXPECT_EQ(ToInt16(32767.4), 32767);
-  EXPECT_EQ(ToInt16(32767.5), std::nullopt);
-  EXPECT_EQ(ToInt16(32768.0), std::nullopt);
-  EXPECT_EQ(ToInt16(-32768.0), -32768);
-  EXPECT_EQ(ToInt16(-32768.4), -32768);
-  EXPECT_EQ(ToInt16(-32768.5), -32768);
-  EXPECT_EQ(ToInt16(-32768.6), std::nullopt);
-  EXPECT_EQ(ToInt16(1e10), std::nullopt);
-  EXPECT_EQ(ToInt16(std::numeric_limits<double>::infinity()), std::nullopt);
-  EXPECT_EQ(ToInt16(-std::numeric_limits<double>::infinity()), std::nullopt);
-  EXPECT_EQ(ToInt16(std::numeric_limits<double>::quiet_NaN()), std::nullopt);
+TEST(Numbers, ToInt16RoundsHalfToEvenAndGivesNothingOutsideSixteenBits) {
+  const std::pair<double, std::optional<int>> cases[] = {
+      {2.5, 2},
+      {3.5, 4},
+      {-2.5, -2},
+      {-3.5, -4},
+      {2.4999, 2},
+      {2.5001, 3},
+      {-0.4, 0},
+      {0.5, 0},
+      {7 / 2.0f, 4},
+      {-7 / 2.0f, -4},
+      {32767.4, 32767},
+      {32767.5, {}},
+      {32768, {}},
+      {-32768.5, -32768},
+      {-32768.6, {}},
+      {1e10, {}},
+      {kInf, {}},
+      {-kInf, {}},
+      {std::numeric_limits<double>::quiet_NaN(), {}},
+  };
+  for (const auto& [value, expected] : cases) {
+    const std::optional<int16_t> got = ToInt16(value);
+    EXPECT_EQ(got.has_value() ? std::optional<int>(*got) : std::nullopt, expected) << value;
+  }
 }
 
 TEST(Numbers, IsNumericAcceptsOnlyWholeNumbers) {
@@ -97,38 +90,36 @@ TEST(Numbers, IsNumericAcceptsOnlyWholeNumbers) {
   }
 }
 
-TEST(Numbers, FormatSingleGivesShortestText) {
-  EXPECT_EQ(FormatSingle(2.5f), "2.5");
-  EXPECT_EQ(FormatSingle(0.1f), "0.1");
-  EXPECT_EQ(FormatSingle(3.0f), "3");
-  EXPECT_EQ(FormatSingle(-7.25f), "-7.25");
-  EXPECT_EQ(FormatSingle(1 / 3.0f), "0.3333333");
-  EXPECT_EQ(FormatSingle(2 / 3.0f), "0.6666667");
-  EXPECT_EQ(FormatSingle(8.25f), "8.25");
-  EXPECT_EQ(FormatSingle(100.0f), "100");
-  EXPECT_EQ(FormatSingle(-32768.0f), "-32768");
-  EXPECT_EQ(FormatSingle(0.0f), "0");
-  EXPECT_EQ(FormatSingle(-0.0f), "0");
-  EXPECT_EQ(FormatSingle(1.1f + 2.2f), "3.3");
-}
-
-TEST(Numbers, FormatSingleUsesExponentFormForExtremeMagnitudes) {
-  EXPECT_EQ(FormatSingle(1234567.0f), "1234567");
-  EXPECT_EQ(FormatSingle(12345678.0f), "1.234568E+07");
-  EXPECT_EQ(FormatSingle(10000000.0f), "1E+07");
-  EXPECT_EQ(FormatSingle(9999999.0f), "9999999");
-  EXPECT_EQ(FormatSingle(1.5e10f), "1.5E+10");
-  EXPECT_EQ(FormatSingle(-2e20f), "-2E+20");
-  EXPECT_EQ(FormatSingle(3e38f), "3E+38");
-  EXPECT_EQ(FormatSingle(0.00001f), "0.00001");
-  EXPECT_EQ(FormatSingle(0.000123f), "0.000123");
-  EXPECT_EQ(FormatSingle(0.000001f), "1E-06");
-  EXPECT_EQ(FormatSingle(1e-7f), "1E-07");
-  EXPECT_EQ(FormatSingle(-2.5e-30f), "-2.5E-30");
+TEST(Numbers, FormatSingleGivesTheShortestTextAndExponentsForExtremeMagnitudes) {
+  const std::pair<float, const char*> cases[] = {
+      {2.5f, "2.5"},
+      {0.1f, "0.1"},
+      {3, "3"},
+      {-7.25f, "-7.25"},
+      {1 / 3.0f, "0.3333333"},
+      {2 / 3.0f, "0.6666667"},
+      {-32768, "-32768"},
+      {-0.0f, "0"},
+      {1.1f + 2.2f, "3.3"},
+      {9999999, "9999999"},
+      {12345678, "1.234568E+07"},
+      {1e7f, "1E+07"},
+      {-2e20f, "-2E+20"},
+      {3e38f, "3E+38"},
+      {1e-5f, "0.00001"},
+      {0.000123f, "0.000123"},
+      {1e-6f, "1E-06"},
+      {-2.5e-30f, "-2.5E-30"},
+  };
+  for (const auto& [value, text] : cases) EXPECT_EQ(FormatSingle(value), text) << text;
   // Values beyond every number still give text.
   EXPECT_FALSE(FormatSingle(std::numeric_limits<float>::infinity()).empty());
   EXPECT_FALSE(FormatSingle(std::numeric_limits<float>::quiet_NaN()).empty());
   EXPECT_FALSE(FormatSingle(std::numeric_limits<float>::denorm_min()).empty());
+  // The signed forms lead with a blank when not negative.
+  EXPECT_EQ(FormatSingleSigned(2.5f) + FormatSingleSigned(-3) + FormatSingleSigned(-0.0f),
+            " 2.5-3 0");
+  EXPECT_EQ(FormatIntSigned(200) + FormatIntSigned(0) + FormatIntSigned(-32767), " 200 0-32767");
 }
 
 TEST(Numbers, FormattedSinglesReadBackAsTheSameNumber) {
@@ -140,17 +131,6 @@ TEST(Numbers, FormattedSinglesReadBackAsTheSameNumber) {
     const double back = Val(FormatSingle(value));
     EXPECT_NEAR(back, value, std::fabs(value) * 5e-7) << FormatSingle(value);
   }
-}
-
-TEST(Numbers, SignedFormsLeadWithABlankWhenNotNegative) {
-  EXPECT_EQ(FormatSingleSigned(5.0f), " 5");
-  EXPECT_EQ(FormatSingleSigned(2.5f), " 2.5");
-  EXPECT_EQ(FormatSingleSigned(-3.0f), "-3");
-  EXPECT_EQ(FormatSingleSigned(0.0f), " 0");
-  EXPECT_EQ(FormatSingleSigned(-0.0f), " 0");
-  EXPECT_EQ(FormatIntSigned(200), " 200");
-  EXPECT_EQ(FormatIntSigned(0), " 0");
-  EXPECT_EQ(FormatIntSigned(-32767), "-32767");
 }
 
 }  // namespace

@@ -10,16 +10,10 @@
 namespace tarve {
 namespace {
 
+using test::ReadFile;
 using test::TempDir;
 using test::TestGame;
 using Lines = std::vector<std::string>;
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
-}
 
 TEST(ScriptLog, TheWindowKeepsEveryMessageAndTheFileOnlyWithLogErrors) {
   TempDir dir;

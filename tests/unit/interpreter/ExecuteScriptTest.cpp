@@ -10,7 +10,6 @@
 namespace tarve {
 namespace {
 
-using test::ReadSource;
 using test::TempDir;
 using test::TestGame;
 
@@ -53,24 +52,6 @@ TEST_F(ExecuteScriptTest, PauseRedrawsThenSleepsAndFontFollowsTheOverrideSetting
   game.settings.override_all_fonts = true;
   ExecuteScript(game, "font <Verdana>");
   EXPECT_NE(host.styled.find("{font:Verdana}{font:Courier New}"), std::string::npos);
-}
-
-TEST_F(ExecuteScriptTest, RunawayRecursionAbandonsTheWholeStatementOnce) {
-  ASSERT_TRUE(ReadSource(t, dir,
-                         "define procedure <twice>\n"
-                         "  do <twice>\n"
-                         "  do <twice>\n"
-                         "end define\n"));
-  ExecuteScript(game, "do <twice>\r\nmsg <rest of the script>");
-  EXPECT_EQ(host.output, "");
-  ASSERT_EQ(host.log.size(), 1u);
-  EXPECT_EQ(host.log[0],
-            "Error: Scripts are nested more than 200 levels deep (does a procedure or function "
-            "call itself?) - the rest of the statement was skipped.");
-  EXPECT_EQ(game.run.script_depth, 0);
-  EXPECT_FALSE(game.run.unwinding);
-  ExecuteScript(game, "msg <next statement>");
-  EXPECT_EQ(host.output, "next statement\r\n");
 }
 
 // Long texts count against the statement limit, so a loop over them ends as soon as a loop of
@@ -117,13 +98,6 @@ TEST_F(ExecuteScriptTest, EnterDoesNotWaitOnceInputHasEnded) {
   EXPECT_EQ(FindVariable(game.variables.strings, "name"), nullptr);
   EXPECT_FALSE(game.parser.waiting_for_input);
   EXPECT_EQ(host.control_changes, (std::vector<bool>{false, true}));
-}
-
-TEST_F(ExecuteScriptTest, GotoAnUnknownRoomLeavesThePlayerWhereTheyAre) {
-  game.world.current_room = "Hall";
-  ExecuteScript(game, "goto <Nowhere>");
-  EXPECT_EQ(game.world.current_room, "Hall");
-  EXPECT_EQ(host.output, "");
 }
 
 }  // namespace

@@ -2,8 +2,6 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -20,12 +18,6 @@ using test::TestGame;
 class ExternalCommandsTest : public ::testing::Test {
  protected:
   int16_t Numeric(std::string_view name) { return GetNumericVariable(game, name); }
-  std::string Read(const std::string& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-  }
 
   TempDir dir;
   TestGame t{dir};
@@ -122,7 +114,7 @@ TEST_F(ExternalCommandsTest, FileCopyStaysInsideTheGamesFolder) {
   dir.Write("saves/start.dat", "hello");
   ExecuteScript(game, "advfunc 0001 <saves\\start.dat; saves/copy.dat>");
   EXPECT_EQ(Numeric("!tarve.int.filecopyerror"), 0);
-  EXPECT_EQ(Read(dir.path() + "/saves/copy.dat"), "hello");
+  EXPECT_EQ(test::ReadFile(dir.path() + "/saves/copy.dat"), "hello");
   EXPECT_TRUE(host.log.empty());
 
   const std::filesystem::path outside = std::filesystem::path(dir.path()).parent_path();

@@ -36,24 +36,6 @@ TEST_F(FunctionsTest, ACallWithoutParametersKeepsTheEarlierParameters) {
   EXPECT_TRUE(t.host.log.empty());
 }
 
-TEST_F(FunctionsTest, PositionsOutsideTheTextAreClippedToIt) {
-  EXPECT_EQ(Call("left(abc; 10)"), "abc");
-  EXPECT_EQ(Call("left(abc; -1)"), "");
-  EXPECT_EQ(Call("left(abc)"), "");
-  EXPECT_EQ(Call("right(abc; 99)"), "abc");
-  EXPECT_EQ(Call("right(abc; -2)"), "");
-  EXPECT_EQ(Call("mid(abc; 0; 2)"), "ab");
-  EXPECT_EQ(Call("mid(abc; -5)"), "abc");
-  EXPECT_EQ(Call("mid(abc; 4)"), "");
-  EXPECT_EQ(Call("mid(abc; 2; -1)"), "");
-  EXPECT_EQ(Call("mid(héllo; 2; 99)"), "éllo");
-  EXPECT_EQ(Call("instr(abc; z)"), "0");
-  EXPECT_EQ(Call("instr(9; abc; a)"), "0");
-  EXPECT_EQ(Call("instr(-3; abc; a)"), "1");
-  EXPECT_EQ(Call("instr(2; là et là; là)"), "7");
-  EXPECT_EQ(Call("capfirst()"), "");
-}
-
 TEST_F(FunctionsTest, RandStaysWithinItsBoundsEitherWayRound) {
   std::set<std::string> seen;
   for (int i = 0; i < 300; ++i) {

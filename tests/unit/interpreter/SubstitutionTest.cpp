@@ -15,31 +15,6 @@ namespace {
 using test::TempDir;
 using test::TestGame;
 
-TEST(Substitute, AdjacentDelimitersGiveTheDelimiterAndTheValueOfTheEmptyName) {
-  TempDir dir;
-  TestGame t(dir);
-  EXPECT_EQ(Substitute(t.game, "50%% off", '%', SubstitutionKind::kNumeric), "50%-32767 off");
-  EXPECT_EQ(Substitute(t.game, "a ## b", '#', SubstitutionKind::kString), "a # b");
-  const std::vector<std::string> log = {"Warning: No numeric variable '' defined.",
-                                        "Warning: No string variable '' defined."};
-  EXPECT_EQ(t.host.log, log);
-  SetStringVariable(t.game, "", "(empty)");
-  EXPECT_EQ(Substitute(t.game, "##", '#', SubstitutionKind::kString), "#(empty)");
-}
-
-TEST(Substitute, MissingClosingDelimiterGivesErrorText) {
-  TempDir dir;
-  TestGame t(dir);
-  // The pass that fails logs the text it was given; the passes after it see "<ERROR>".
-  SetStringVariable(t.game, "s", "100%");
-  EXPECT_EQ(SubstituteAll(t.game, "#s# done $ucase(x)$"), "<ERROR>");
-  EXPECT_EQ(t.host.log,
-            std::vector<std::string>{"Line parameter <100% done $ucase(x)$> has missing %"});
-  EXPECT_EQ(t.host.output,
-            "WARNING: GWL Script error: Missing variable character - see log file (if enabled) "
-            "for details.\r\n");
-}
-
 TEST(Substitute, CollectablesShowTheirShortestNumberText) {
   TempDir dir;
   TestGame t(dir);

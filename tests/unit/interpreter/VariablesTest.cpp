@@ -77,20 +77,6 @@ TEST_F(VariablesTest, NumericTextReadsBackRoundedHalfToEven) {
   EXPECT_EQ(GetNumericVariable(game, "c"), 32767);
 }
 
-TEST_F(VariablesTest, SetStringSplitsAtTheFirstSemicolonAndKeepsTheValuesBlanks) {
-  ExecuteSetString(game, " greeting ;  hello");
-  ExecuteSetString(game, "list; a; b;c ");
-  EXPECT_EQ(GetStringVariable(game, "greeting"), "  hello");
-  EXPECT_EQ(GetStringVariable(game, "list"), " a; b;c ");
-  EXPECT_TRUE(host.log.empty());
-
-  ExecuteSetString(game, "greeting bye");
-  EXPECT_EQ(GetStringVariable(game, "greeting"), "  hello");
-  ASSERT_EQ(host.log.size(), 1u);
-  EXPECT_EQ(host.log[0],
-            "Error: Missing ';' in setstring <greeting bye> - the variable was not changed.");
-}
-
 TEST_F(VariablesTest, SetVarReadsOneOperationFoundInTheOperatorSearchOrder) {
   // The expressions of the transcript tests aside, the corners of the reading rules.
   const struct {

@@ -10,15 +10,9 @@
 namespace tarve {
 namespace {
 
+using test::ReadFile;
 using test::TempDir;
 using test::TestGame;
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
-}
 
 // What the pane received from one PrintText call, with its style markers.
 std::string Printed(TestGame& t, std::string_view text) {

@@ -1,8 +1,7 @@
-// The window-free models behind the launcher, its list editor and the options window: the
-// installed-games list, the options form and the custom list of file types.
+// The window-free models behind the launcher and the options window where the windows' own tests
+// cannot reach: a damaged installed-games list, the data folder, what the form keeps.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -22,45 +21,6 @@ std::vector<std::string> Names(const InstalledGamesList& list) {
   std::vector<std::string> names;
   for (const InstalledGame& game : list.games()) names.push_back(game.name);
   return names;
-}
-
-void StoreGames(SettingsStore& store, const std::vector<InstalledGame>& games) {
-  ASSERT_TRUE(WriteInstalledGames(store, games));
-}
-
-TEST(InstalledGamesList, EditsWaitForWriteBackWhichNumbersTheListFromOne) {
-  MemorySettingsStore store;
-  StoreGames(store, {{"A", "/g/a.gwl"}, {"B", "/g/b.gwl"}, {"C", "/g/c.gwl"}, {"D", "/g/d.gwl"}});
-  InstalledGamesList list(store);
-
-  EXPECT_TRUE(list.Rename(1, "Bee"));
-  EXPECT_FALSE(list.Rename(1, "  "));  // a blank name would leave an empty button
-  EXPECT_FALSE(list.Rename(4, "E"));
-  EXPECT_TRUE(list.ChangeFile(2, "/g/see.cgw"));
-  EXPECT_FALSE(list.ChangeFile(2, ""));
-  // One place at a time; past an end the entry comes round to the other end.
-  EXPECT_EQ(list.MoveUp(0), 3);
-  EXPECT_EQ(Names(list), (std::vector<std::string>{"Bee", "C", "D", "A"}));
-  EXPECT_EQ(list.MoveDown(3), 0);
-  EXPECT_EQ(list.MoveDown(0), 1);
-  EXPECT_EQ(list.MoveUp(-1), -1);
-  EXPECT_EQ(Names(list), (std::vector<std::string>{"Bee", "A", "C", "D"}));
-  EXPECT_TRUE(list.Remove(3));
-  EXPECT_FALSE(list.Remove(3));
-
-  // Nothing reaches the store before the list is written back.
-  EXPECT_EQ(store.Read("Games", "Name2"), "B");
-  EXPECT_EQ(store.Read("Games", "NumInstalled"), "4");
-
-  ASSERT_TRUE(list.WriteBack());
-  EXPECT_EQ(store.Read("Games", "NumInstalled"), "3");
-  EXPECT_EQ(store.Read("Games", "File3"), "/g/see.cgw");
-  EXPECT_FALSE(store.Read("Games", "Name4"));
-
-  // Reloading forgets edits that were not written.
-  list.Rename(0, "Forgotten");
-  list.Reload();
-  EXPECT_EQ(Names(list), (std::vector<std::string>{"Bee", "A", "C"}));
 }
 
 TEST(InstalledGamesList, AddStoresTheGameAfterTheStoredCountAndReadsTheListAgain) {
@@ -98,34 +58,6 @@ TEST(UserDataFolder, FollowsAnAbsoluteXdgDataHomeElseTheHomeFolder) {
   EXPECT_EQ(UserDataFolder(nullptr, nullptr), "");
 }
 
-TEST(OptionsForm, ConfirmGivesSwitchedOnFilesWithoutANameTheirDefaultFiles) {
-  TempDir dir;
-  const std::string folder = dir.path() + "/share/Tarve";  // not there yet
-  MemorySettingsStore store;
-  Settings settings;
-  settings.out_file = "/old/out.txt";
-  OptionsForm form(settings, folder);
-  form.values.log_errors = true;
-  form.values.log_file = "";
-  form.values.output_file = true;
-  form.values.out_file = "  ";
-  ASSERT_TRUE(form.Confirm(settings, store));
-  EXPECT_EQ(form.values.log_file, folder + "/TARVELOG.LOG");  // the box shows it
-  EXPECT_EQ(settings.log_file, folder + "/TARVELOG.LOG");
-  EXPECT_EQ(store.Read("Options", "LogFile"), folder + "/TARVELOG.LOG");
-  EXPECT_EQ(store.Read("Options", "OutFile"), folder + "/GAMELOG.LOG");
-  EXPECT_EQ(store.Read("Options", "LogErrors"), "Yes");
-  EXPECT_TRUE(std::filesystem::is_directory(folder));
-
-  // A name typed while its switch is off is not taken.
-  OptionsForm off(settings, folder);
-  off.values.output_file = false;
-  off.values.out_file = "/elsewhere.txt";
-  ASSERT_TRUE(off.Confirm(settings, store));
-  EXPECT_EQ(store.Read("Options", "OutputFile"), "No");
-  EXPECT_EQ(store.Read("Options", "OutFile"), folder + "/GAMELOG.LOG");
-}
-
 TEST(OptionsForm, ConfirmWritesEveryKeyAndKeepsWhatIsNoColourOrNoLevel) {
   MemorySettingsStore store;
   Settings settings;
@@ -146,15 +78,6 @@ TEST(OptionsForm, ConfirmWritesEveryKeyAndKeepsWhatIsNoColourOrNoLevel) {
   const Settings read = ReadSettings(store);
   EXPECT_EQ(read.custom_security, std::vector<std::string>{"TXT"});
   EXPECT_FALSE(read.detailed_look);
-}
-
-TEST(CustomSecurityList, EntryIsTheFileTypeTheCheckCompares) {
-  EXPECT_EQ(CustomSecurityList::EntryFor(".txt"), "TXT");
-  EXPECT_EQ(CustomSecurityList::EntryFor("  doc "), "DOC");
-  EXPECT_EQ(CustomSecurityList::EntryFor("..Bat"), "BAT");
-  EXPECT_EQ(CustomSecurityList::EntryFor("tar.gz"), "GZ");
-  EXPECT_EQ(CustomSecurityList::EntryFor("jpeg"), "JPE");  // only three characters are compared
-  EXPECT_EQ(CustomSecurityList::EntryFor(" . "), "");
 }
 
 }  // namespace

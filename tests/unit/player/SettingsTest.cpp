@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "interpreter/ExecuteScript.h"
@@ -17,8 +16,6 @@ namespace {
 using test::TempDir;
 using test::TestGame;
 
-using Association = std::pair<std::string, std::string>;
-
 class SettingsTest : public ::testing::Test {
  protected:
   // Runs `shell <file>` and tells whether the settings let it through to the desktop.
@@ -27,44 +24,12 @@ class SettingsTest : public ::testing::Test {
     ExecuteScript(game, "shell <" + file + ">");
     return host.services.size() > opened;
   }
-  FirstRunSetup DesktopSetup() {
-    FirstRunSetup setup;
-    setup.enabled = true;
-    setup.associate_file_type = [this](const std::string& description,
-                                       const std::string& extension) {
-      associations.emplace_back(description, extension);
-    };
-    return setup;
-  }
-
   TempDir dir;
   TestGame t{dir};
   Game& game = t.game;
   test::RecordingHost& host = t.host;
   MemorySettingsStore store;
-  std::vector<Association> associations;
 };
-
-TEST_F(SettingsTest, FirstStartAssociatesDocumentTypesOnceAndSaysSo) {
-  EXPECT_TRUE(LoadSettings(game, store, DesktopSetup()));
-  const std::vector<Association> types = {
-      {"Tarve Game", ".gwl"}, {"Tarve Game (Compiled)", ".cgw"}, {"Tarve Saved Game Data", ".tsg"}};
-  EXPECT_EQ(associations, types);
-  EXPECT_EQ(store.Read("Init", "InstalledVer"), "TARVE-210");
-  const std::vector<std::string> box = {
-      "[Setup Complete] Thank you for installing Tarve! Setup is now complete."};
-  EXPECT_EQ(host.messages, box);
-
-  // The second start finds the marker and shows nothing.
-  EXPECT_FALSE(LoadSettings(game, store, DesktopSetup()));
-  EXPECT_EQ(associations.size(), 3u);
-  EXPECT_EQ(host.messages.size(), 1u);
-
-  // The marker of an older version, or one in another case, is not this version's.
-  store.Write("Init", "InstalledVer", "tarve-210");
-  EXPECT_TRUE(LoadSettings(game, store, DesktopSetup()));
-  EXPECT_EQ(associations.size(), 6u);
-}
 
 TEST_F(SettingsTest, TerminalPlayerLeavesFirstRunSetUpToTheDesktop) {
   EXPECT_FALSE(LoadSettings(game, store));
@@ -92,28 +57,6 @@ TEST_F(SettingsTest, EmptyAllowListUnderCustomSecurityRefusesEveryFile) {
   EXPECT_FALSE(ShellAllows("readme.txt"));
   EXPECT_FALSE(ShellAllows("picture.png"));
   EXPECT_FALSE(ShellAllows("noextension"));
-}
-
-TEST_F(SettingsTest, CustomListIsReadUpperCasedAndDecidesAsAnAllowList) {
-  store.Write("Security", "NumberCustomSecurity", "2");
-  store.Write("Security", "CustomSecurity1", "txt");
-  store.Write("Security", "CustomSecurity2", "Png");
-  store.Write("Security", "CustomSecurityIsDisallow", "no");
-  LoadSettings(game, store);
-  const std::vector<std::string> list = {"TXT", "PNG"};
-  EXPECT_EQ(game.settings.custom_security, list);
-  EXPECT_TRUE(ShellAllows("notes.TXT"));
-  EXPECT_TRUE(ShellAllows("map.png"));
-  EXPECT_FALSE(ShellAllows("letter.doc"));
-}
-
-TEST_F(SettingsTest, ZeroSecurityLetsInstalledGamesOpenEveryFile) {
-  store.Write("Security", "SecurityType", "1");
-  store.Write("Security", "ZeroSecurityInstalledGames", "Yes");
-  LoadSettings(game, store);
-  EXPECT_FALSE(ShellAllows("readme.txt"));
-  game.run.installed_game = true;
-  EXPECT_TRUE(ShellAllows("readme.txt"));
 }
 
 TEST_F(SettingsTest, GarbageValuesReadAsTheNumberAndTruthRulesSay) {
@@ -155,24 +98,6 @@ TEST_F(SettingsTest, GarbageValuesReadAsTheNumberAndTruthRulesSay) {
   store.Write("Security", "CustomSecurity3", "ÿes");
   const std::vector<std::string> list = {"DOC", "", "ŸES"};
   EXPECT_EQ(ReadSettings(store).custom_security, list);
-}
-
-TEST_F(SettingsTest, LogAndOutputFilesAreReadOnlyWhenTheirSwitchIsPresent) {
-  store.Write("Options", "LogFile", "/tmp/never.log");
-  store.Write("Options", "OutFile", "/tmp/never.txt");
-  Settings s = ReadSettings(store);
-  EXPECT_FALSE(s.log_errors);
-  EXPECT_EQ(s.log_file, "");
-  EXPECT_FALSE(s.output_file);
-  EXPECT_EQ(s.out_file, "");
-
-  store.Write("Options", "LogErrors", "No");
-  store.Write("Options", "OutputFile", "yes");
-  s = ReadSettings(store);
-  EXPECT_FALSE(s.log_errors);
-  EXPECT_EQ(s.log_file, "/tmp/never.log");
-  EXPECT_TRUE(s.output_file);
-  EXPECT_EQ(s.out_file, "/tmp/never.txt");
 }
 
 TEST_F(SettingsTest, SavedSettingsReadBackAndAShorterListLeavesNoStaleEntries) {
@@ -273,29 +198,6 @@ TEST_F(SettingsTest, GameTitleComesFromTheFirstDefineGameField) {
   EXPECT_EQ(GetGameTitle(game, dir.path()), "__CANTOPEN");
   // A compiled game is listed by its path and never opened.
   EXPECT_EQ(GetGameTitle(game, dir.path() + "/missing.cgw"), dir.path() + "/missing.cgw");
-}
-
-TEST_F(SettingsTest, AddingAGameAppendsItAndRefusesFilesWithoutATitle) {
-  const std::string manor = dir.Write("manor.gwl", "define game <Manor>\nend define\n");
-  ASSERT_TRUE(AddInstalledGame(game, store, manor));
-  ASSERT_TRUE(AddInstalledGame(game, store, manor));  // the same file twice: two entries
-  std::vector<InstalledGame> games = ReadInstalledGames(store);
-  ASSERT_EQ(games.size(), 2u);
-  EXPECT_EQ(games[1].name, "Manor");
-  EXPECT_EQ(games[1].file, manor);
-  EXPECT_EQ(store.Read("Games", "NumInstalled"), "2");
-
-  const std::string invalid = dir.Write("notes.txt", "just notes\n");
-  EXPECT_FALSE(AddInstalledGame(game, store, invalid));
-  const std::string missing = dir.path() + "/gone.gwl";
-  EXPECT_FALSE(AddInstalledGame(game, store, missing));
-  const std::vector<std::string> boxes = {
-      "[Error] Unable to add " + invalid +
-          " to the 'Installed Games' list\n- the file appears to be invalid.",
-      "[Error] Unable to add " + missing +
-          " to the 'Installed Games' list\n- the file could not be opened."};
-  EXPECT_EQ(host.messages, boxes);
-  EXPECT_EQ(ReadInstalledGames(store).size(), 2u);
 }
 
 TEST_F(SettingsTest, InstalledGameIsRecognisedByTheFileItNames) {

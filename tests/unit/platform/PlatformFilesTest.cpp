@@ -1,12 +1,13 @@
+// The platform services that write files: the settings file and the desktop's document types.
+// One fixture gives each test a fresh folder and points the desktop's data folder into it.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
+#include "platform/DocumentTypes.h"
 #include "platform/QtSettingsStore.h"
 #include "player/Settings.h"
 #include "support/TestSupport.h"
@@ -15,17 +16,41 @@ namespace tarve {
 namespace {
 
 namespace fs = std::filesystem;
+using test::ReadFile;
 using test::TempDir;
 
-std::string ReadFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
+std::size_t Count(const std::string& text, const std::string& what) {
+  std::size_t n = 0;
+  for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
+    ++n;
+  }
+  return n;
 }
 
-TEST(QtSettingsStore, ValuesSurviveReopeningTheFolder) {
+class PlatformFilesTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    const char* old = std::getenv("XDG_DATA_HOME");
+    had_ = old != nullptr;
+    if (had_) saved_ = old;
+    setenv("XDG_DATA_HOME", (dir.path() + "/data").c_str(), 1);
+  }
+  void TearDown() override {
+    if (had_) {
+      setenv("XDG_DATA_HOME", saved_.c_str(), 1);
+    } else {
+      unsetenv("XDG_DATA_HOME");
+    }
+  }
+  std::string Package() { return ReadFile(dir.path() + "/data/mime/packages/tarve.xml"); }
+  std::string DesktopEntry() { return ReadFile(dir.path() + "/data/applications/tarve.desktop"); }
+
   TempDir dir;
+  std::string saved_;
+  bool had_ = false;
+};
+
+TEST_F(PlatformFilesTest, SettingsStoreValuesSurviveReopeningTheFolder) {
   const std::string folder = dir.path() + "/settings";  // made when first written
   {
     QtSettingsStore store(folder);
@@ -49,34 +74,7 @@ TEST(QtSettingsStore, ValuesSurviveReopeningTheFolder) {
   EXPECT_FALSE(again.Read("Games", "name1"));  // keys are the exact names
 }
 
-TEST(QtSettingsStore, SavedSettingsReadBackThroughTheFile) {
-  TempDir dir;
-  Settings s;
-  s.log_errors = true;
-  s.log_file = "/var/tmp/tarve log.log";
-  s.default_font_size = 12.75f;
-  s.security_type = 2;
-  s.custom_security = {"TXT", "HTML"};
-  {
-    QtSettingsStore store(dir.path());
-    ASSERT_TRUE(SaveSettings(s, store));
-  }
-  QtSettingsStore store(dir.path());
-  const Settings back = ReadSettings(store);
-  EXPECT_TRUE(back.log_errors);
-  EXPECT_EQ(back.log_file, s.log_file);
-  EXPECT_EQ(back.default_font_size, 12.75f);
-  EXPECT_EQ(back.security_type, 2);
-  EXPECT_EQ(back.custom_security, s.custom_security);
-  // Written as plain text that a person can read and edit.
-  const std::string text = ReadFile(dir.path() + "/Tarve.conf");
-  EXPECT_NE(text.find("[Options]"), std::string::npos);
-  EXPECT_NE(text.find("LogErrors=Yes"), std::string::npos);
-  EXPECT_NE(text.find("NumberCustomSecurity=2"), std::string::npos);
-}
-
-TEST(QtSettingsStore, HandEditedAndDamagedFilesReadWithoutHarm) {
-  TempDir dir;
+TEST_F(PlatformFilesTest, SettingsStoreHandEditedAndDamagedFilesReadWithoutHarm) {
   std::string garbage =
       "[Games]\nNumInstalled=999999\nName1=The Manor, a tale\nFile1=/g/manor.gwl\n"
       "[Options\nDefaultFontSize=abc\n=novalue\nnokey\n[Security]\nSecurityType=@Variant(\\0\\0)\n"
@@ -99,8 +97,7 @@ TEST(QtSettingsStore, HandEditedAndDamagedFilesReadWithoutHarm) {
   EXPECT_EQ(store.Read("Init", "InstalledVer"), "TARVE-210");
 }
 
-TEST(QtSettingsStore, SavingLeavesNoTemporaryFilesBehind) {
-  TempDir dir;
+TEST_F(PlatformFilesTest, SettingsStoreSavingLeavesNoTemporaryFilesBehind) {
   for (const char* font : {"Verdana", "Arial"}) {
     QtSettingsStore store(dir.path());
     store.Write("Options", "DefaultFontName", font);
@@ -113,9 +110,8 @@ TEST(QtSettingsStore, SavingLeavesNoTemporaryFilesBehind) {
   EXPECT_EQ(QtSettingsStore(dir.path()).Read("Options", "DefaultFontName"), "Arial");
 }
 
-TEST(QtSettingsStore, FailedSaveLeavesThePreviousFileWhole) {
+TEST_F(PlatformFilesTest, SettingsStoreFailedSaveLeavesThePreviousFileWhole) {
   if (geteuid() == 0) GTEST_SKIP() << "permissions do not bind the superuser";
-  TempDir dir;
   {
     QtSettingsStore store(dir.path());
     store.Write("Options", "DefaultFontName", "Verdana");
@@ -131,6 +127,31 @@ TEST(QtSettingsStore, FailedSaveLeavesThePreviousFileWhole) {
   fs::permissions(dir.path(), fs::perms::owner_all);
   QtSettingsStore store(dir.path());
   EXPECT_EQ(store.Read("Options", "DefaultFontName"), "Verdana");
+}
+
+// A user who installs Tarve into ~/.local gets the very files that the first start writes there,
+// and anyone else gets an entry that takes the installed one's place: both must say the same.
+TEST_F(PlatformFilesTest, DocumentTypesFirstStartWritesTheFilesThatAreInstalled) {
+  EXPECT_TRUE(AssociateFileType("Tarve Game", ".gwl"));
+  EXPECT_TRUE(AssociateFileType("Tarve Game (Compiled)", ".cgw"));
+  EXPECT_TRUE(AssociateFileType("Tarve Saved Game Data", ".tsg"));
+  EXPECT_EQ(Package(), ReadFile(std::string(TARVE_SOURCE_DATA) + "/tarve.xml"));
+  EXPECT_EQ(DesktopEntry(), ReadFile(std::string(TARVE_SOURCE_DATA) + "/tarve.desktop"));
+}
+
+TEST_F(PlatformFilesTest, DocumentTypesAssociatingAgainReplacesTheTypeAndEscapesItsText) {
+  AssociateFileType("Tarve Game", ".gwl");
+  AssociateFileType("Games <old> & new", ".GWL");
+  const std::string package = Package();
+  EXPECT_EQ(Count(package, "<mime-type "), 1u);
+  EXPECT_NE(package.find("<comment>Games &lt;old&gt; &amp; new</comment>"), std::string::npos);
+  EXPECT_EQ(Count(DesktopEntry(), "application/x-tarve-game;"), 1u);
+}
+
+TEST_F(PlatformFilesTest, DocumentTypesUnwritableDataFolderIsReportedNotFatal) {
+  // A file where the data folder should be: nothing can be written beneath it.
+  dir.Write("data", "not a folder");
+  EXPECT_FALSE(AssociateFileType("Tarve Game", ".gwl"));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
-// The variables viewer, the picture window, the splash and the progress window: what they show
-// and how they size themselves.
+// The game window's smaller companions: the output pane's bounds, the script log window, the
+// variables viewer, the picture window, the splash and the progress window: what they show, what
+// they keep and how they size themselves.
 #include <gtest/gtest.h>
 
 #include <QAccessible>
@@ -8,13 +9,19 @@
 #include <QHeaderView>
 #include <QImage>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <string>
+#include <vector>
 
 #include "WindowTestSupport.h"
+#include "player/windows/RichOutputPane.h"
 #include "player/windows/frmDunMsgBox.h"
 #include "player/windows/frmGWLLog.h"
 #include "player/windows/frmPic.h"
@@ -25,6 +32,86 @@
 
 namespace tarve {
 namespace {
+
+TEST(RichOutputPane, KeepsTheNewestParagraphsOnceOverTwiceItsBound) {
+  RichOutputPane pane(nullptr, /*max_paragraphs=*/10, /*max_characters=*/100000);
+  pane.SetAlignment(Qt::AlignHCenter);
+  for (int i = 0; i < 20; ++i) pane.InsertText("Line " + std::to_string(i) + "\r\n");
+  EXPECT_TRUE(pane.Text().startsWith(QStringLiteral("Line 0\n"))) << "nothing goes before twice";
+  for (int i = 20; i < 25; ++i) pane.InsertText("Line " + std::to_string(i) + "\r\n");
+  // Trimmed at 22 paragraphs down to 10 (the last one the empty line being written), then four
+  // more lines.
+  EXPECT_EQ(pane.document()->blockCount(), 14);
+  EXPECT_TRUE(pane.Text().startsWith(QStringLiteral("Line 12\nLine 13\n")));
+  EXPECT_TRUE(pane.Text().endsWith(QStringLiteral("Line 24\n")));
+  // The first kept line keeps its own alignment, and printing goes on with the same styles.
+  EXPECT_EQ(pane.document()->firstBlock().blockFormat().alignment(), Qt::AlignHCenter);
+  pane.SetAlignment(Qt::AlignLeft);
+  pane.InsertText("after");
+  EXPECT_EQ(pane.document()->lastBlock().text(), QStringLiteral("after"));
+  EXPECT_EQ(pane.document()->firstBlock().blockFormat().alignment(), Qt::AlignHCenter);
+}
+
+TEST(RichOutputPane, OneEndlessLineLosesItsStart) {
+  RichOutputPane pane(nullptr, /*max_paragraphs=*/1000, /*max_characters=*/100);
+  pane.InsertText("first line\r\n");
+  for (int i = 0; i < 30; ++i) pane.InsertText("abcdefghi" + std::to_string(i % 10));
+  const QString text = pane.Text();
+  EXPECT_FALSE(text.contains(QStringLiteral("first line")));
+  EXPECT_LE(text.size(), 200);
+  EXPECT_GE(text.size(), 99);
+  EXPECT_TRUE(text.endsWith(QStringLiteral("abcdefghi9")));
+}
+
+TEST(RichOutputPane, ClearingKeepsTheStylesAtTheInsertionPoint) {
+  RichOutputPane pane;
+  pane.SetBold(true);
+  pane.SetFontSize(12);
+  pane.SetAlignment(Qt::AlignRight);
+  pane.InsertText("gone\r\n");
+  pane.ClearOutput();
+  pane.InsertText("kept");
+  EXPECT_EQ(pane.Text(), QStringLiteral("kept"));
+  const QTextBlock block = pane.document()->firstBlock();
+  EXPECT_EQ(block.blockFormat().alignment(), Qt::AlignRight);
+  EXPECT_EQ(block.begin().fragment().charFormat().fontWeight(), QFont::Bold);
+  EXPECT_DOUBLE_EQ(block.begin().fragment().charFormat().fontPointSize(), 12.0);
+}
+
+TEST(GWLLog, ClosingHidesTheWindowKeepsTheTextAndSignals) {
+  frmGWLLog log;
+  std::vector<bool> signalled;
+  QObject::connect(&log, &frmGWLLog::visibilityChanged,
+                   [&](bool visible) { signalled.push_back(visible); });
+  log.SetText("Tarve 2.17\r\nFinished loading file.\r\n");
+  log.AppendMessage("Warning: No such variable 'score'");
+  log.show();
+  log.close();
+  EXPECT_FALSE(log.isVisible());
+  log.show();
+  EXPECT_EQ(log.Text(), "Tarve 2.17\nFinished loading file.\nWarning: No such variable 'score'");
+  EXPECT_EQ(signalled, (std::vector<bool>{true, false, true}));
+  EXPECT_TRUE(log.txtLog()->isReadOnly());
+  EXPECT_EQ(log.txtLog()->geometry(), log.rect());
+  log.resize(500, 300);
+  EXPECT_EQ(log.txtLog()->geometry(), log.rect());
+}
+
+TEST(GWLLog, KeepsTheNewestWholeMessagesWithinItsBound) {
+  frmGWLLog log(nullptr, 100);
+  for (int i = 10; i < 60; ++i) log.AppendMessage("message " + std::to_string(i));
+  const std::string text = log.Text();
+  EXPECT_LE(text.size(), 100u);
+  EXPECT_EQ(text.rfind("message 59"), text.size() - 10);
+  EXPECT_EQ(text.rfind("message ", 0), 0u);  // begins with a whole message
+  // Text for reopening that is over the bound keeps its newest whole messages too.
+  std::string long_log;
+  for (int i = 10; i < 60; ++i) long_log += "message " + std::to_string(i) + "\r\n";
+  log.SetText(long_log);
+  EXPECT_LE(log.Text().size(), 100u);
+  EXPECT_EQ(log.Text().rfind("message ", 0), 0u);
+  EXPECT_EQ(log.Text().substr(log.Text().size() - 10), "message 59");
+}
 
 QString Cell(const frmStringVariables& viewer, int row, int column) {
   const QTableWidgetItem* item = viewer.grdVariables()->item(row, column);
