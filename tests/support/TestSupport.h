@@ -51,7 +51,7 @@ class RecordingHost : public OutputPane,
   int ShowSelection(const std::string&, const std::vector<std::string>& answers) override {
     return answers.empty() ? -1 : 0;
   }
-  std::optional<std::string> ChooseSavedGameFile(bool) override { return std::nullopt; }
+  std::optional<std::string> ChooseSavedGameFile(bool save) override;
 
   void SetCaption(const std::string& text) override { caption = text; }
   void SetLocation(const std::string& text) override { location = text; }
@@ -86,8 +86,11 @@ class RecordingHost : public OutputPane,
   // Input lines for ProcessEventsUntil, and the pane's text at the start of each wait.
   std::deque<std::string> input;
   std::vector<std::string> waits;
-  // Selections are answered with their first answer; input boxes and saved-game file dialogs
-  // are cancelled.
+  // Selections are answered with their first answer; input boxes are cancelled.
+  // Saved-game file dialogs: "save" or "load" for each, answered in turn (cancelled when none
+  // is left).
+  std::vector<std::string> file_dialogs;
+  std::deque<std::optional<std::string>> file_dialog_answers;
 
   // The game window's state as the engine last set it.
   std::string caption;
