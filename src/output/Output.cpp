@@ -1,5 +1,10 @@
 #include "output/Output.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "game/Game.h"
@@ -233,13 +238,29 @@ void WaitForKey(Game& game, std::string_view parameter) {
   host.window.FocusCommandBox();
 }
 
+namespace {
+
+// Opens `path` to append to, created when missing. A FIFO with nobody reading it is refused
+// at once instead of blocking the game until a reader comes.
+std::FILE* OpenForAppending(const std::string& path) {
+  const int fd = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0644);
+  if (fd < 0) return nullptr;
+  const int flags = ::fcntl(fd, F_GETFL);
+  if (flags >= 0) ::fcntl(fd, F_SETFL, flags & ~O_NONBLOCK);
+  std::FILE* file = ::fdopen(fd, "ab");
+  if (file == nullptr) ::close(fd);
+  return file;
+}
+
+}  // namespace
+
 void StartGameOutput(Game& game) {
   OutputState& output = game.output;
   const Settings& settings = game.settings;
   output.enabled = true;
   if (settings.output_file) {
     if (output.file == nullptr) {
-      output.file.reset(std::fopen(settings.out_file.c_str(), "ab"));
+      output.file.reset(OpenForAppending(settings.out_file));
       if (output.file == nullptr) {
         LogScriptError(game, "Warning: Unable to open the output file " + settings.out_file +
                                  " - the game's text is not copied to it.");

@@ -128,6 +128,15 @@ TEST_F(FileSafetyTest, FifosAndDevicesAreRefusedWithoutWaiting) {
   EXPECT_FALSE(t.player.OpenGame(dir.path() + "/game/lib.gwl"));
   EXPECT_NE(std::find(host.log.begin(), host.log.end(), "ERROR: Library not found."),
             host.log.end());
+
+  // The copy of the game's text is refused too when nobody reads the FIFO it would go to.
+  game.settings.output_file = true;
+  game.settings.out_file = saved;
+  OpenShed();
+  EXPECT_NE(std::find(host.log.begin(), host.log.end(),
+                      "Warning: Unable to open the output file " + saved +
+                          " - the game's text is not copied to it."),
+            host.log.end());
 }
 
 }  // namespace
