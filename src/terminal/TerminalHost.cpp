@@ -331,13 +331,15 @@ int TerminalHost::ShowMessage(const std::string& text, const std::string& title,
   if (closed_) return buttons == kYesNo ? kAnswerNo : (asks ? kAnswerCancel : kAnswerOk);
   ResetStyle();
   const std::string message = "[" + title + "] " + text;
-  if (!asks || !editor_) WriteLine(message);
+  // The question goes out as text (wrapped, control characters dropped); the line editor's
+  // prompt stays short, as it cannot wrap a prompt that starts in the middle of a line.
+  WriteLine(message);
   if (!asks) return kAnswerOk;
   bool yes = false;
   if (editor_) {
     // On a terminal only a clear answer counts; the end of the input answers no.
     for (;;) {
-      std::optional<std::string> answer = ReadAnswer(message + " (y/n) ");
+      std::optional<std::string> answer = ReadAnswer("(y/n) ");
       if (!answer) break;
       if (std::optional<bool> choice = YesOrNo(*answer)) {
         yes = *choice;
@@ -358,9 +360,9 @@ std::optional<std::string> TerminalHost::InputBox(const std::string& title,
   if (closed_) return std::nullopt;
   ResetStyle();
   const std::string line = "[" + title + "] " + prompt;
-  if (editor_) return ReadAnswer(line + " ");
+  if (editor_ && line.size() < 40) return ReadAnswer(PrintableText(line) + " ");
   WriteLine(line);
-  return ReadAnswer("");
+  return ReadAnswer(editor_ ? "? " : "");
 }
 
 void TerminalHost::ScriptLogAppended(std::string_view message) {

@@ -154,7 +154,7 @@ def questions(cli, game):
     s = Session(cli, game, args=["--no-status"])
     s.pump()
     s.type(b"ask" + ENTER)
-    check("[Tarve] Are you sure (y/n)" in s.text(), "a yes/no question shows (y/n)", s)
+    check("[Tarve] Are you sure\n(y/n)" in s.text(), "a yes/no question shows (y/n)", s)
     s.type(b"maybe" + ENTER)
     check(s.text().count("(y/n)") == 2, "an unclear answer asks again", s)
     s.type(b"n" + ENTER)
@@ -192,7 +192,7 @@ def player_commands(cli, game):
         kept = f.read()
     check(kept.startswith("Yesterday.\n") and "> n\nYou are in Garden." in kept and
           "> #transcript off\n" in kept and "> s" not in kept and
-          "[Tarve] Are you sure (y/n) y\nSure." in kept,
+          "[Tarve] Are you sure\n(y/n) y\nSure." in kept,
           "#transcript appends, stops and goes on, with the answers typed:\n" + kept, s)
     s.close()
 
