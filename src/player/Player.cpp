@@ -226,6 +226,7 @@ bool Player::Undo() {
     }
   }
   RefreshInventory(game_);
+  PrintText(game_, "");  // apart from the turn taken back, as a command's echo is
   PrintText(game_, kUndoneText + command);
   PrintText(game_, "");
   DescribeRoom(game_, game_.world.current_room);

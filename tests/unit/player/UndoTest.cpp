@@ -67,7 +67,8 @@ TEST(Undo, TakesBackEveryTableATurnChangedAndTellsThePlayer) {
   EXPECT_EQ(GetCollectableAmount(lab.t.game, "score"), 0.0f);
 
   // What the player sees: the command taken back, the room again, and the panes as they were.
-  EXPECT_NE(lab.t.host.output.find("Undone: mess\r\n\r\nYou are in Hall."), std::string::npos);
+  EXPECT_NE(lab.t.host.output.find("\r\n\r\nUndone: mess\r\n\r\nYou are in Hall."),
+            std::string::npos);
   EXPECT_EQ(lab.t.host.location, "  Hall");
   EXPECT_EQ(lab.t.host.items.find("lamp"), std::string::npos);
   EXPECT_FALSE(lab.t.host.viewer_rows.empty());
