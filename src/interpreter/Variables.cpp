@@ -56,6 +56,15 @@ bool IsAsciiText(std::string_view text) {
   return true;
 }
 
+// The position of `wanted` in `text` from `from` on, or npos. Names and expressions are a few
+// bytes long, where a plain loop costs less than setting up a library search.
+inline std::size_t FindByte(std::string_view text, char wanted, std::size_t from = 0) {
+  for (std::size_t pos = from; pos < text.size(); ++pos) {
+    if (text[pos] == wanted) return pos;
+  }
+  return std::string_view::npos;
+}
+
 constexpr std::size_t kNoRow = static_cast<std::size_t>(-1);
 
 // The row of the variable `name`, or kNoRow; recent lookups are answered without the index.
@@ -108,9 +117,15 @@ void WriteVariable(Game& game, VariableTable& table, VariableStore store, std::s
   if (found != kNoRow) {
     row = found;
     VariableEntry& entry = table.entries[row];
-    // The entry takes the spelling of the latest write, so the viewer shows it.
-    entry.name.assign(name);
-    entry.value.assign(value);
+    // The entry takes the spelling of the latest write, so the viewer shows it; a loop nearly
+    // always writes the same spelling again.
+    if (std::string_view(entry.name) != name) entry.name.assign(name);
+    if (entry.value.size() == value.size()) {
+      // Same length, as a counter's value mostly is: overwritten in place.
+      std::copy(value.begin(), value.end(), entry.value.begin());
+    } else {
+      entry.value.assign(value);
+    }
   } else {
     row = table.entries.size();
     table.entries.push_back(VariableEntry{std::string(name), std::string(value)});
@@ -126,7 +141,7 @@ void WriteVariable(Game& game, VariableTable& table, VariableStore store, std::s
 // say which variable is meant, so the statement is abandoned.
 bool SplitAssignment(Game& game, std::string_view keyword, std::string_view parameter,
                      std::string_view& name, std::string_view& rest) {
-  const std::size_t semicolon = parameter.find(';');
+  const std::size_t semicolon = FindByte(parameter, ';');
   if (semicolon == std::string_view::npos) {
     LogScriptError(game, "Error: Missing ';' in " + std::string(keyword) + " <" +
                              std::string(parameter) + "> - the variable was not changed.");
@@ -169,10 +184,10 @@ std::optional<int16_t> ReadOperand(std::string_view text) { return ReadNumber(te
 std::optional<int16_t> EvaluateExpression(Game& game, std::string_view expression) {
   // The operators are looked for one after the other, not in the order they stand in the text;
   // a "-" in first place is the sign of the first operand.
-  std::size_t op = expression.find('+');
-  if (op == std::string_view::npos) op = expression.find('*');
-  if (op == std::string_view::npos) op = expression.find('/');
-  if (op == std::string_view::npos && expression.size() > 1) op = expression.find('-', 1);
+  std::size_t op = FindByte(expression, '+');
+  if (op == std::string_view::npos) op = FindByte(expression, '*');
+  if (op == std::string_view::npos) op = FindByte(expression, '/');
+  if (op == std::string_view::npos && expression.size() > 1) op = FindByte(expression, '-', 1);
   if (op == std::string_view::npos) return ReadOperand(expression);
 
   const std::optional<int16_t> left = ReadOperand(expression.substr(0, op));
