@@ -510,8 +510,8 @@ ParameterPattern MakeParameterPattern(std::string_view line) {
     if (open == std::string_view::npos) break;
     const std::size_t close = parameter.find('%', open + 1);
     if (close == std::string_view::npos || close == open + 1) return pattern;
-    pattern.pieces.push_back({parameter.substr(pos, open - pos),
-                              parameter.substr(open + 1, close - open - 1)});
+    pattern.pieces.push_back(
+        {parameter.substr(pos, open - pos), parameter.substr(open + 1, close - open - 1)});
     pos = close + 1;
   }
   pattern.tail = parameter.substr(pos);
