@@ -206,14 +206,17 @@ std::size_t FindNoCase(std::string_view text, std::string_view needle, std::size
   return std::string_view::npos;
 }
 
+// Plain loops: the texts trimmed are mostly short, where a library search costs more.
 std::string_view TrimLeftView(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  return first == std::string_view::npos ? std::string_view() : text.substr(first);
+  std::size_t first = 0;
+  while (first < text.size() && text[first] == ' ') ++first;
+  return text.substr(first);
 }
 
 std::string_view TrimRightView(std::string_view text) {
-  const std::size_t last = text.find_last_not_of(' ');
-  return last == std::string_view::npos ? std::string_view() : text.substr(0, last + 1);
+  std::size_t end = text.size();
+  while (end > 0 && text[end - 1] == ' ') --end;
+  return text.substr(0, end);
 }
 
 std::string_view TrimView(std::string_view text) { return TrimRightView(TrimLeftView(text)); }

@@ -27,6 +27,11 @@ bool ChargeStatements(Game& game, long count) {
   if (run.unwinding) return false;
   run.statements_run += count;
   game.statements_total += count;
+  // Nearly every charge stays within both limits; only a cut builds its message.
+  if (run.statements_run <= game.statement_limit &&
+      game.statements_total <= game.total_statement_limit) {
+    return true;
+  }
   std::string cut;
   if (run.statements_run > game.statement_limit) {
     cut = "Error: The statement ran more than " + std::to_string(game.statement_limit) +

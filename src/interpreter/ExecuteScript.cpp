@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/Numbers.h"
 #include "base/Text.h"
@@ -39,6 +40,8 @@ struct Statement {
   std::string_view line;     // as the script holds it
   std::string_view trimmed;  // without its surrounding blanks
   std::string_view rest;     // the trimmed line after the keyword
+  // The parameter already through the substitution passes, when a loop has made it.
+  const std::string* substituted = nullptr;
 };
 
 using Handler = void (*)(Game&, const Statement&);
@@ -63,6 +66,7 @@ std::optional<std::string> Parameter(Game& game, const Statement& s, bool substi
     RetrieveParameter(game, s.line, false);  // logs the malformed line
     return std::nullopt;
   }
+  if (substitute && s.substituted != nullptr) return *s.substituted;
   if (substitute) return SubstituteAll(game, parameter);
   return std::string(parameter);
 }
@@ -70,6 +74,10 @@ std::optional<std::string> Parameter(Game& game, const Statement& s, bool substi
 // Runs `action` with the substituted parameter when the line has one.
 template <typename Action>
 void WithParameter(Game& game, const Statement& s, Action action) {
+  if (s.substituted != nullptr) {
+    action(*s.substituted);
+    return;
+  }
   if (std::optional<std::string> parameter = Parameter(game, s)) action(*parameter);
 }
 
@@ -185,6 +193,18 @@ void SetVar(Game& game, const Statement& s) {
   WithParameter(game, s, [&](const std::string& p) { ExecuteSetVar(game, p); });
 }
 
+// A parameter whose only references are to numeric variables, cut into the text between them
+// once: each round puts the numbers in without scanning the parameter again.
+struct ParameterPattern {
+  struct Piece {
+    std::string_view text;  // the text before the reference
+    std::string_view name;  // the numeric variable referred to
+  };
+  std::vector<Piece> pieces;
+  std::string_view tail;  // the text after the last reference
+  bool usable = false;
+};
+
 // The script a loop runs on every round, its keyword found once: the text is the same each
 // round, so matching it again would find the same statement.
 struct LoopBody {
@@ -192,10 +212,12 @@ struct LoopBody {
   std::string_view trimmed;
   std::size_t row = 0;
   bool matched = false;  // a single statement whose keyword is known
+  ParameterPattern pattern;
 };
 LoopBody PrepareLoopBody(std::string_view script);
-// What ExecuteScript(game, body.line) does.
-void RunLoopBody(Game& game, const LoopBody& body);
+// What ExecuteScript(game, body.line) does; `parameter` is room for the substituted parameter
+// that the rounds reuse.
+void RunLoopBody(Game& game, const LoopBody& body, std::string& parameter);
 
 // for <variable; from; to> script and for <variable; from; to; step> script. The script may
 // change the variable, which moves the loop on or back; with a step of 0 only the script moves
@@ -233,9 +255,10 @@ void For(Game& game, const Statement& s) {
   int i = *from;
   long rounds = 0;
   const LoopBody body = PrepareLoopBody(script);
+  std::string body_parameter;
   while (*step < 0 ? i >= *to : i <= *to) {
     SetNumericVariable(game, name, static_cast<int16_t>(i));
-    RunLoopBody(game, body);
+    RunLoopBody(game, body, body_parameter);
     if (nested.MustStop()) return;
     // The next value comes from the variable, which the script may have changed; a value that
     // would leave the 16-bit range ends the loop.
@@ -466,16 +489,67 @@ QuickMatch MatchAscii(std::string_view trimmed, std::size_t& found) {
   return QuickMatch::kNone;
 }
 
+// Whether the statement of a row reads its parameter through the substitution passes before
+// it does anything else, so that the parameter can be made for it beforehand.
+bool SubstitutesParameterFirst(const StatementRow& row) {
+  return row.match == Match::kPrefix && row.handler != If && row.handler != Do &&
+         row.handler != Exec && row.handler != Wait && row.handler != AdvFunc &&
+         row.handler != PlayerWin && row.handler != PlayerLose;
+}
+
+// The pattern of a parameter that holds only well-formed references to numeric variables (no
+// "#", "~" or "$", no "%%"); any other parameter goes through the passes every round.
+ParameterPattern MakeParameterPattern(std::string_view line) {
+  ParameterPattern pattern;
+  std::string_view parameter;
+  if (!CutParameter(line, parameter)) return pattern;
+  if (parameter.find_first_of("#~$") != std::string_view::npos) return pattern;
+  std::size_t pos = 0;
+  while (true) {
+    const std::size_t open = parameter.find('%', pos);
+    if (open == std::string_view::npos) break;
+    const std::size_t close = parameter.find('%', open + 1);
+    if (close == std::string_view::npos || close == open + 1) return pattern;
+    pattern.pieces.push_back(
+        {parameter.substr(pos, open - pos), parameter.substr(open + 1, close - open - 1)});
+    pos = close + 1;
+  }
+  pattern.tail = parameter.substr(pos);
+  pattern.usable = true;
+  return pattern;
+}
+
+// Puts the values into `pattern` as the substitution passes would. False when the passes must
+// run instead: a variable is undefined (which they log), a value holds a delimiter a later pass
+// would act on, or the text is long enough to be charged for.
+bool FillParameter(Game& game, const ParameterPattern& pattern, std::string& out) {
+  out.clear();
+  for (const ParameterPattern::Piece& piece : pattern.pieces) {
+    out.append(piece.text);
+    const VariableEntry* entry = FindVariable(game.variables.numerics, piece.name);
+    if (entry == nullptr) return false;
+    for (const char c : entry->value) {
+      if (c == '~' || c == '$') return false;
+    }
+    out.append(entry->value);
+  }
+  out.append(pattern.tail);
+  return out.size() < kSubstitutedBytesPerStatement;
+}
+
 LoopBody PrepareLoopBody(std::string_view script) {
   LoopBody body;
   body.line = script;
   body.trimmed = TrimView(script);
   body.matched = !body.trimmed.empty() && body.trimmed.find("\r\n") == std::string_view::npos &&
                  MatchAscii(body.trimmed, body.row) == QuickMatch::kFound;
+  if (body.matched && SubstitutesParameterFirst(kStatements[body.row])) {
+    body.pattern = MakeParameterPattern(body.line);
+  }
   return body;
 }
 
-void RunLoopBody(Game& game, const LoopBody& body) {
+void RunLoopBody(Game& game, const LoopBody& body, std::string& parameter) {
   if (!body.matched) {
     ExecuteScript(game, body.line);
     return;
@@ -483,7 +557,11 @@ void RunLoopBody(Game& game, const LoopBody& body) {
   NestedScript nested(game);
   if (!nested.entered()) return;
   const StatementRow& row = kStatements[body.row];
-  row.handler(game, Statement{body.line, body.trimmed, body.trimmed.substr(row.keyword.size())});
+  Statement statement{body.line, body.trimmed, body.trimmed.substr(row.keyword.size())};
+  if (body.pattern.usable && FillParameter(game, body.pattern, parameter)) {
+    statement.substituted = &parameter;
+  }
+  row.handler(game, statement);
 }
 
 void Dispatch(Game& game, std::string_view line, std::string_view trimmed) {

@@ -19,6 +19,39 @@ namespace tarve {
 
 namespace {
 
+// The position of `wanted` in `text` from `from` on, or npos. The texts substituted are mostly a
+// few bytes long, where a plain loop costs less than setting up a library search.
+inline std::size_t FindByte(std::string_view text, char wanted, std::size_t from) {
+  for (std::size_t pos = from; pos < text.size(); ++pos) {
+    if (text[pos] == wanted) return pos;
+  }
+  return std::string_view::npos;
+}
+
+// Which of the four delimiters `text` holds, one bit each in the order of the passes.
+inline unsigned DelimitersIn(std::string_view text) {
+  unsigned found = 0;
+  for (const char c : text) {
+    switch (c) {
+      case '#':
+        found |= 1u;
+        break;
+      case '%':
+        found |= 2u;
+        break;
+      case '~':
+        found |= 4u;
+        break;
+      case '$':
+        found |= 8u;
+        break;
+      default:
+        break;
+    }
+  }
+  return found;
+}
+
 void AppendValue(Game& game, std::string& result, std::string_view name, SubstitutionKind kind) {
   switch (kind) {
     case SubstitutionKind::kString:
@@ -71,14 +104,14 @@ std::string Substitute(Game& game, std::string_view text, char delimiter, Substi
   std::string result;
   std::size_t pos = 0;
   while (true) {
-    const std::size_t open = text.find(delimiter, pos);
+    const std::size_t open = FindByte(text, delimiter, pos);
     if (open == std::string_view::npos) {
       result.append(text.substr(pos));
       ChargeForText(game, result);
       return result;
     }
     result.append(text.substr(pos, open - pos));
-    const std::size_t close = text.find(delimiter, open + 1);
+    const std::size_t close = FindByte(text, delimiter, open + 1);
     if (close == std::string_view::npos) {
       LogScriptError(game, "Line parameter <" + std::string(text) + "> has missing " +
                                std::string(1, delimiter));
@@ -110,12 +143,20 @@ std::string SubstituteAll(Game& game, std::string_view text) {
                                      {'%', SubstitutionKind::kNumeric},
                                      {'~', SubstitutionKind::kCollectable},
                                      {'$', SubstitutionKind::kFunction}};
-  std::string current(text);
-  for (const Pass& pass : kPasses) {
-    // A pass over text without its delimiter would give the text unchanged.
-    if (current.find(pass.delimiter) == std::string::npos) continue;
-    current = Substitute(game, current, pass.delimiter, pass.kind);
+  // The text is scanned once for all delimiters, and again only after a pass changed it: a
+  // pass over text without its delimiter would give the text unchanged.
+  unsigned pending = DelimitersIn(text);
+  std::string current;
+  bool substituted = false;  // `current` holds the text so far
+  for (std::size_t i = 0; i < 4; ++i) {
+    const Pass& pass = kPasses[i];
+    if ((pending & (1u << i)) == 0) continue;
+    const std::string_view from = substituted ? std::string_view(current) : text;
+    current = Substitute(game, from, pass.delimiter, pass.kind);
+    substituted = true;
+    pending = DelimitersIn(current) & ~((2u << i) - 1);
   }
+  if (!substituted) return std::string(text);
   return current;
 }
 

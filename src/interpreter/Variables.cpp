@@ -5,7 +5,6 @@
 #include "interpreter/Variables.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <optional>
 
@@ -56,6 +55,34 @@ bool IsAsciiText(std::string_view text) {
   return true;
 }
 
+// The position of `wanted` in `text` from `from` on, or npos. Names and expressions are a few
+// bytes long, where a plain loop costs less than setting up a library search.
+inline std::size_t FindByte(std::string_view text, char wanted, std::size_t from = 0) {
+  for (std::size_t pos = from; pos < text.size(); ++pos) {
+    if (text[pos] == wanted) return pos;
+  }
+  return std::string_view::npos;
+}
+
+// Byte-for-byte equality of two short texts, which a plain loop decides sooner than a library
+// comparison.
+inline bool SameBytes(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
+}
+
+// TrimView, inline: every setvar trims its name and its expression.
+inline std::string_view TrimBlanks(std::string_view text) {
+  std::size_t first = 0;
+  std::size_t end = text.size();
+  while (first < end && text[first] == ' ') ++first;
+  while (end > first && text[end - 1] == ' ') --end;
+  return text.substr(first, end - first);
+}
+
 constexpr std::size_t kNoRow = static_cast<std::size_t>(-1);
 
 // The row of the variable `name`, or kNoRow; recent lookups are answered without the index.
@@ -65,7 +92,7 @@ std::size_t FindRow(const VariableTable& table, std::string_view name) {
     recent = &table.recent[(name.size() + static_cast<unsigned char>(name.front()) * 3u +
                             static_cast<unsigned char>(name.back())) %
                            table.recent.size()];
-    if (recent->name == name) return recent->row;
+    if (SameBytes(recent->name, name)) return recent->row;
   }
   const auto it = table.index.find(name);
   // A name not found is not remembered: the variable may be made later.
@@ -108,9 +135,15 @@ void WriteVariable(Game& game, VariableTable& table, VariableStore store, std::s
   if (found != kNoRow) {
     row = found;
     VariableEntry& entry = table.entries[row];
-    // The entry takes the spelling of the latest write, so the viewer shows it.
-    entry.name.assign(name);
-    entry.value.assign(value);
+    // The entry takes the spelling of the latest write, so the viewer shows it; a loop nearly
+    // always writes the same spelling again.
+    if (!SameBytes(entry.name, name)) entry.name.assign(name);
+    if (entry.value.size() == value.size()) {
+      // Same length, as a counter's value mostly is: overwritten in place.
+      std::copy(value.begin(), value.end(), entry.value.begin());
+    } else {
+      entry.value.assign(value);
+    }
   } else {
     row = table.entries.size();
     table.entries.push_back(VariableEntry{std::string(name), std::string(value)});
@@ -126,13 +159,13 @@ void WriteVariable(Game& game, VariableTable& table, VariableStore store, std::s
 // say which variable is meant, so the statement is abandoned.
 bool SplitAssignment(Game& game, std::string_view keyword, std::string_view parameter,
                      std::string_view& name, std::string_view& rest) {
-  const std::size_t semicolon = parameter.find(';');
+  const std::size_t semicolon = FindByte(parameter, ';');
   if (semicolon == std::string_view::npos) {
     LogScriptError(game, "Error: Missing ';' in " + std::string(keyword) + " <" +
                              std::string(parameter) + "> - the variable was not changed.");
     return false;
   }
-  name = TrimView(parameter.substr(0, semicolon));
+  name = TrimBlanks(parameter.substr(0, semicolon));
   rest = parameter.substr(semicolon + 1);
   return true;
 }
@@ -150,14 +183,18 @@ std::optional<int16_t> FitInt16(int value) {
 // A number as the game language reads it, rounded to 16 bits. Plain whole numbers ("42", "-7"),
 // which is nearly every number a script holds, are read directly.
 std::optional<int16_t> ReadNumber(std::string_view text) {
-  std::size_t pos = (!text.empty() && text[0] == '-') ? 1 : 0;
-  const std::size_t digits = text.size() - pos;
+  const bool negative = !text.empty() && text[0] == '-';
+  const std::size_t digits = text.size() - (negative ? 1 : 0);
   if (digits >= 1 && digits <= 5) {
+    const char* digit = text.data() + (negative ? 1 : 0);
     int value = 0;
-    for (; pos < text.size() && text[pos] >= '0' && text[pos] <= '9'; ++pos) {
-      value = value * 10 + (text[pos] - '0');
+    std::size_t i = 0;
+    for (; i < digits; ++i) {
+      const unsigned d = static_cast<unsigned char>(digit[i]) - unsigned{'0'};
+      if (d > 9) break;
+      value = value * 10 + static_cast<int>(d);
     }
-    if (pos == text.size()) return FitInt16(text[0] == '-' ? -value : value);
+    if (i == digits) return FitInt16(negative ? -value : value);
   }
   return ToInt16(Val(text));
 }
@@ -169,10 +206,10 @@ std::optional<int16_t> ReadOperand(std::string_view text) { return ReadNumber(te
 std::optional<int16_t> EvaluateExpression(Game& game, std::string_view expression) {
   // The operators are looked for one after the other, not in the order they stand in the text;
   // a "-" in first place is the sign of the first operand.
-  std::size_t op = expression.find('+');
-  if (op == std::string_view::npos) op = expression.find('*');
-  if (op == std::string_view::npos) op = expression.find('/');
-  if (op == std::string_view::npos && expression.size() > 1) op = expression.find('-', 1);
+  std::size_t op = FindByte(expression, '+');
+  if (op == std::string_view::npos) op = FindByte(expression, '*');
+  if (op == std::string_view::npos) op = FindByte(expression, '/');
+  if (op == std::string_view::npos && expression.size() > 1) op = FindByte(expression, '-', 1);
   if (op == std::string_view::npos) return ReadOperand(expression);
 
   const std::optional<int16_t> left = ReadOperand(expression.substr(0, op));
@@ -258,10 +295,17 @@ void SetStringVariable(Game& game, std::string_view name, std::string_view value
 }
 
 void SetNumericVariable(Game& game, std::string_view name, int16_t value) {
+  // The decimal text, written from its last digit back.
   char buffer[8];
-  const auto written = std::to_chars(buffer, buffer + sizeof buffer, value);
+  char* start = buffer + sizeof buffer;
+  int magnitude = value < 0 ? -static_cast<int>(value) : value;
+  do {
+    *--start = static_cast<char>('0' + magnitude % 10);
+    magnitude /= 10;
+  } while (magnitude != 0);
+  if (value < 0) *--start = '-';
   WriteVariable(game, game.variables.numerics, VariableStore::kNumeric, name,
-                std::string_view(buffer, static_cast<std::size_t>(written.ptr - buffer)));
+                std::string_view(start, static_cast<std::size_t>(buffer + sizeof buffer - start)));
 }
 
 std::string GetStringVariable(Game& game, std::string_view name) {
@@ -294,7 +338,7 @@ void ExecuteSetVar(Game& game, std::string_view parameter) {
   std::string_view name;
   std::string_view expression;
   if (!SplitAssignment(game, "setvar", parameter, name, expression)) return;
-  const std::optional<int16_t> value = EvaluateExpression(game, TrimView(expression));
+  const std::optional<int16_t> value = EvaluateExpression(game, TrimBlanks(expression));
   if (!value) {
     LogOverflow(game, parameter);
     return;
