@@ -186,24 +186,6 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
   EXPECT_EQ(store.keys, expected);
   EXPECT_FALSE(settings.special_msg_box);  // the player's settings changed with the store
   EXPECT_EQ(settings.custom_security.back(), "TXT");
-
-  // The next start shows the window as it was left.
-  Settings next = ReadSettings(store);
-  frmOptions again(next, store, nullptr, data.path().toStdString());
-  EXPECT_FALSE(again.chkLogScriptErrors()->isChecked());
-  EXPECT_EQ(again.txtOutputFileName()->text(), QStringLiteral("/logs/game.txt"));
-  EXPECT_TRUE(again.optAdvExts()->isChecked());
-  EXPECT_FALSE(again.chkCustomSecurityIsDisallow()->isChecked());
-  EXPECT_TRUE(again.chkZeroSecurityInstalledGames()->isChecked());
-  EXPECT_FALSE(again.chkSpecialMsgBox()->isChecked());
-  EXPECT_TRUE(again.chkAutoInstall()->isChecked());
-  EXPECT_FALSE(again.chkDetailedLook()->isChecked());
-  EXPECT_TRUE(again.chkOverrideGameDefaultFont()->isChecked());
-  EXPECT_TRUE(again.chkOverrideAllFonts()->isChecked());
-  EXPECT_TRUE(again.chkOverrideEffects()->isChecked());
-  EXPECT_EQ(again.txtLabelBackground()->text(), QStringLiteral("101010"));
-  EXPECT_EQ(again.ChosenFont().family(), picked.family());
-  EXPECT_EQ(again.ChosenFont().italic(), picked.italic());
 }
 
 TEST_F(OptionsWindowTest, EmptyFileNamesBecomeTheDefaultFilesInTheUsersDataFolder) {

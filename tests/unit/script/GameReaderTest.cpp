@@ -173,159 +173,19 @@ TEST(Libraries, ALibraryThatIncludesItselfIsMergedOnce) {
   EXPECT_EQ(t.host.log.back(), "Unknown library keycode - !include <self.gwl>");
 }
 
-TEST(Braces, BecomeNumberedProceduresThatNest) {
+// How the reader rewrites braces, else lines and continued lines is the reader/dump-rewriting
+// and reader/slips transcripts; here the one slip that refuses the game.
+TEST(Braces, ABraceClosedInsideALaterBlockTakesItsDefineLineAndTheGameIsRefused) {
   TempDir dir;
   TestGame t(dir);
-  ASSERT_TRUE(ReadSource(t, dir,
-                         "define room <Hall>\n"
-                         "  if got <key> then {\n"
-                         "    msg <Opened.>\n"
-                         "    if got <lamp> then {\n"
-                         "      msg <Lit.>\n"
-                         "    }\n"
-                         "  msg <Done.> }\n"
-                         "  script { msg <one-liner> }\n"
-                         "end define\n"
-                         "define text <braces>\n"
-                         "  { kept }\n"
-                         "end define\n"));
-  EXPECT_EQ(LinesOf(t.game), (Lines{"define room <Hall>",
-                                    "if got <key> then do <!intproc1>",
-                                    "",
-                                    "",
-                                    "",
-                                    "",
-                                    "",
-                                    "script do <!intproc2>",
-                                    "end define",
-                                    "define text <braces>",
-                                    "  { kept }",
-                                    "end define",
-                                    "define procedure <!intproc1>",
-                                    "    msg <Opened.>",
-                                    "if got <lamp> then do <!intproc3>",
-                                    "",
-                                    "",
-                                    "msg <Done.>",
-                                    "end define",
-                                    "define procedure <!intproc2>",
-                                    "msg <one-liner> }",
-                                    "end define",
-                                    "define procedure <!intproc3>",
-                                    "      msg <Lit.>",
-                                    "end define"}));
-  EXPECT_EQ(FindBlockByName(t.game, "procedure", "!intproc3"), (BlockRange{23, 25}));
-}
-
-TEST(Braces, ABraceThatNothingClosesStopsAtTheEndOfItsBlock) {
-  TempDir dir;
-  TestGame t(dir);
-  ASSERT_TRUE(ReadSource(t, dir,
-                         "define procedure <p>\n"
-                         "  if got <key> then {\n"
-                         "  msg <a>\n"
-                         "end define\n"
-                         "define room <Hall>\n"
-                         "end define\n"));
-  EXPECT_EQ(LinesOf(t.game), (Lines{"define procedure <p>", "if got <key> then do <!intproc1>", "",
-                                    "end define", "define room <Hall>", "end define",
-                                    "define procedure <!intproc1>", "  msg <a>", "end define"}));
-  EXPECT_EQ(t.host.log.back(),
-            "Warning: Missing } for the { in 'if got <key> then {'; the block ends with its "
-            "'end define'.");
-}
-
-TEST(Braces, ABraceClosedAfterItsBlockTakesEveryLineUpToTheClosingOne) {
-  TempDir dir;
-  TestGame t(dir);
-  // Closed among the loose lines after its block: the block's end define is taken with the
-  // rest, and the block keeps its range.
-  ASSERT_TRUE(ReadSource(t, dir,
-                         "define room <Hall>\n"
-                         "  command <knock> {\n"
-                         "    msg <Nobody answers.>\n"
-                         "end define\n"
-                         "  } ignored\n"
-                         "define room <Yard>\n"
-                         "  command <shout> {\n"
-                         "end define\n"));
-  EXPECT_EQ(LinesOf(t.game),
-            (Lines{"define room <Hall>", "command <knock> do <!intproc1>", "", "", "",
-                   "define room <Yard>", "command <shout> do <!intproc2>", "end define",
-                   "define procedure <!intproc1>", "    msg <Nobody answers.>", "end define",
-                   "end define", "define procedure <!intproc2>", "end define"}));
-  EXPECT_EQ(FindBlockByName(t.game, "room", "Hall"), (BlockRange{1, 4}));
-  EXPECT_EQ(FindBlockByName(t.game, "procedure", "!intproc1"), (BlockRange{9, 12}));
-  // The brace in Yard is closed by no line: it ends with its block.
-  EXPECT_EQ(t.host.log.back(),
-            "Warning: Missing } for the { in 'command <shout> {'; the block ends with its "
-            "'end define'.");
-
-  // Closed inside a later block, the brace takes that block's define line: a block without a
-  // name refuses the game.
-  TestGame u(dir);
-  EXPECT_FALSE(ReadSource(u, dir,
+  EXPECT_FALSE(ReadSource(t, dir,
                           "define room <Hall>\n"
                           "  command <knock> {\n"
                           "end define\n"
                           "define room <Yard>\n"
                           "  }\n"
                           "end define\n"));
-  EXPECT_EQ(u.host.log.back(), "Fatal error:  has no parameter");
-}
-
-TEST(ElseLines, JoinTheNearestIfAboveInRoomsAndProcedures) {
-  TempDir dir;
-  TestGame t(dir);
-  ASSERT_TRUE(ReadSource(t, dir,
-                         "define procedure <p>\n"
-                         "  else msg <orphan>\n"
-                         "  if got <a> then msg <a>\n"
-                         "  msg <between>\n"
-                         "     else msg <not a>\n"
-                         "end define\n"
-                         "define object <o>\n"
-                         "  if got <a> then msg <a>\n"
-                         "  else msg <kept>\n"
-                         "end define\n"));
-  EXPECT_EQ(
-      LinesOf(t.game),
-      (Lines{"define procedure <p>", "  else msg <orphan>",
-             "  if got <a> then msg <a> else msg <not a>", "  msg <between>", "", "end define",
-             "define object <o>", "  if got <a> then msg <a>", "  else msg <kept>", "end define"}));
-}
-
-TEST(ElseLines, JoinBraceBlocksAfterTheyBecomeProcedures) {
-  TempDir dir;
-  TestGame t(dir);
-  ASSERT_TRUE(ReadSource(t, dir,
-                         "define room <Hall>\n"
-                         "  if got <a> then {\n"
-                         "    msg <yes>\n"
-                         "  }\n"
-                         "  else msg <no>\n"
-                         "end define\n"));
-  EXPECT_EQ(t.game.text.Line(2), "if got <a> then do <!intproc1> else msg <no>");
-}
-
-TEST(Continuations, CollapseChainsIntoTheirFirstLine) {
-  TempDir dir;
-  TestGame t(dir);
-  ASSERT_TRUE(ReadSource(t, dir,
-                         "define room <Hall>\n"
-                         "  msg <Hello __\n"
-                         "     there __\n"
-                         "     you __\n"
-                         "   all>\n"
-                         "  msg <a__\n"
-                         "  __\n"
-                         "  b>\n"
-                         "  msg <last line>__\n"
-                         "end define\n"));
-  EXPECT_EQ(LinesOf(t.game), (Lines{"define room <Hall>", "  msg <Hello there you all>", "", "", "",
-                                    "  msg <ab>", "", "", "  msg <last line>end define", ""}));
-  // The block keeps the range it was indexed with, its emptied end define included.
-  EXPECT_EQ(FindBlockByName(t.game, "room", "Hall"), (BlockRange{1, 10}));
+  EXPECT_EQ(t.host.log.back(), "Fatal error:  has no parameter");
 }
 
 }  // namespace
