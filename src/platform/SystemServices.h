@@ -12,8 +12,7 @@
 namespace tarve {
 
 struct Game;
-class MidiPlayer;
-class WavePlayer;
+class SoundPlayers;
 
 class SystemServices : public PlatformServices {
  public:
@@ -42,11 +41,14 @@ class SystemServices : public PlatformServices {
   void Log(std::string_view message);
 
  private:
+  // The sound players, loaded from their module on the first sound (SoundPlayers.h); null when
+  // the module cannot be loaded, which is logged once.
+  SoundPlayers* Sounds();
+
   Options options_;
   Game* game_ = nullptr;
-  // Made on the first sound, so that a game without sounds never starts the audio system.
-  std::unique_ptr<WavePlayer> wave_;
-  std::unique_ptr<MidiPlayer> midi_;
+  std::unique_ptr<SoundPlayers> sounds_;
+  bool sounds_tried_ = false;
 };
 
 }  // namespace tarve

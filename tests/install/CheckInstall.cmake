@@ -32,6 +32,7 @@ endif()
 set(expected
   bin/tarve-cli
   bin/tarve-compile
+  lib/tarve/tarve-sound.so
   share/tarve/tarve.dat
   share/applications/tarve.desktop
   share/mime/packages/tarve.xml
@@ -113,6 +114,19 @@ foreach(game ${PREFIX}/share/tarve/demo.gwl ${PREFIX}/demo.cgw)
     fault("the installed tarve-cli does not play ${game} (status ${result}):\n${output}")
   endif()
 endforeach()
+
+# The installed player loads its sound module from the prefix: the module, not the fallback
+# warning, reports a missing sound.
+file(WRITE ${PREFIX}/sound.gwl
+  "define game <Sound>\n start <Hall>\n startscript playwav <none.wav>\nend define\n"
+  "define room <Hall>\nend define\n")
+execute_process(
+  COMMAND ${run} ${PREFIX}/bin/tarve-cli --plain --log ${PREFIX}/sound.log ${PREFIX}/sound.gwl
+  INPUT_FILE ${PREFIX}/commands.txt OUTPUT_QUIET ERROR_QUIET)
+file(READ ${PREFIX}/sound.log log)
+if(NOT log MATCHES "none.wav: the file does not exist")
+  fault("the installed tarve-cli does not load its sound module:\n${log}")
+endif()
 
 if(NOT faults STREQUAL "")
   message(FATAL_ERROR "The install into ${PREFIX} has faults:${faults}")

@@ -347,10 +347,14 @@ int main(int argc, char** argv) {
               << ", expected " << t.status << "\n";
     ok = false;
   }
-  // The compiled game stands where the text game stood in everything the player prints.
+  // The compiled game and its folder stand where the text game and its folder stood in
+  // everything the player prints.
+  const std::string copy_folder = (home / "compiled").string() + "/";
+  const std::string game_folder = fs::path(t.game).parent_path().string() + "/";
   auto read = [&](const fs::path& file) {
-    return Lines(
-        ReplaceAll(ReplaceAll(ReadFile(file), game_argument, t.game), home.string(), "{home}"));
+    std::string text = ReplaceAll(ReadFile(file), game_argument, t.game);
+    if (compiled_form) text = ReplaceAll(text, copy_folder, game_folder);
+    return Lines(ReplaceAll(text, home.string(), "{home}"));
   };
   ok = Compare(transcript, "output", t.output, read(output_file)) && ok;
   if (t.check_log) ok = Compare(transcript, "log", t.log, read(log_file)) && ok;
