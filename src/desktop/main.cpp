@@ -1,5 +1,6 @@
 // tarve: the player's desktop program. A game or saved game named on the command line opens in
-// the game window; without one the launcher opens.
+// the game window; without one the launcher opens. -h, --help and --version answer without a
+// display.
 #include <QApplication>
 #include <cstdio>
 #include <cstdlib>
@@ -32,9 +33,28 @@ bool CanShowWindows() {
   return IsSet("QT_QPA_PLATFORM") || IsSet("DISPLAY") || IsSet("WAYLAND_DISPLAY");
 }
 
+const char* const kUsage =
+    "Usage: tarve [FILE]\n"
+    "Plays a GWL game (.gwl, .cgw) or a saved game (.tsg) in a window; without a FILE, opens\n"
+    "the launcher of the installed games. To play in a terminal, use tarve-cli.\n"
+    "\n"
+    "  -h, --help   show this help\n"
+    "  --version    show the version\n";
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2) {
+    const std::string option = argv[1];
+    if (option == "-h" || option == "--help") {
+      std::fputs(kUsage, stdout);
+      return 0;
+    }
+    if (option == "--version") {
+      std::printf("tarve %s\n", tarve::kPlayerVersion);
+      return 0;
+    }
+  }
   if (!CanShowWindows()) {
     std::fputs(
         "tarve: there is no display to open the game window on (neither DISPLAY nor "

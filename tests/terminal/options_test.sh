@@ -1,15 +1,18 @@
 #!/usr/bin/env bash
-# Both programs: -h, --help and --version end with status 0 and answer on standard output.
+# Every program: -h, --help and --version end with status 0 and answer on standard output, the
+# desktop program's without a display, which otherwise it refuses with a pointer to tarve-cli.
 # tarve-compile never writes over its game, named twice or through a link.
 set -u
 cli=$1
 compile=$2
 game=$3
+desktop=${4:-}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 fail() { echo "FAILED: $1"; exit 1; }
 
-for program in "$cli" "$compile"; do
+unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM
+for program in "$cli" "$compile" $desktop; do
   name=$(basename "$program")
   for option in -h --help; do
     "$program" "$option" </dev/null >"$work/out" || fail "$name $option exits $?"
@@ -18,6 +21,11 @@ for program in "$cli" "$compile"; do
   "$program" --version </dev/null >"$work/out" || fail "$name --version exits $?"
   grep -q "^$name [0-9]" "$work/out" || fail "$name --version shows no version"
 done
+
+if [ -n "$desktop" ]; then
+  "$desktop" "$game" 2>"$work/err" && fail "tarve without a display exits 0"
+  grep -q "tarve-cli GAME.gwl" "$work/err" || fail "tarve without a display names tarve-cli"
+fi
 
 cp "$game" "$work/g.gwl"
 ln -s g.gwl "$work/link.cgw"

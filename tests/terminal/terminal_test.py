@@ -175,11 +175,18 @@ def questions(cli, game):
 
 
 def player_commands(cli, game):
-    """#help lists the player's commands; #save writes a saved game that #load reads back."""
+    """#help lists the player's commands; #undo takes back a move and then has nothing left;
+    #restart asks, then starts again; #save writes a saved game that #load reads back."""
     s = Session(cli, game, args=["--no-status"])
     s.pump()
     s.type(b"#help" + ENTER)
     check("#restart" in s.text() and "#transcript FILE|off" in s.text(), "#help lists them", s)
+    s.type(b"n" + ENTER + b"#undo" + ENTER)
+    check("Undone: n" in s.text() and s.raw.count(b"A long hall") == 2, "#undo goes back", s)
+    s.type(b"#undo" + ENTER)
+    check("There is nothing to undo." in s.text(), "one move, one undo", s)
+    s.type(b"n" + ENTER + b"#restart" + ENTER + b"y" + ENTER)
+    check(s.raw.count(b"A long hall") == 3 and b"(y/n)" in s.raw, "#restart asks, restarts", s)
     saved = os.path.join(s.home, "hall.tsg")
     s.type(b"#save " + saved.encode() + ENTER)
     check(os.path.exists(saved), "#save writes the file", s)
