@@ -298,15 +298,6 @@ InstallResult InstallGame(Game& game, SettingsStore& store, const std::string& p
   return {true, ""};
 }
 
-bool AddInstalledGame(Game& game, SettingsStore& store, const std::string& path) {
-  const InstallResult result = InstallGame(game, store, path);
-  if (!result.added) {
-    game.host.dialogs.ShowMessage(result.error, "Error", kOkOnly);
-    return false;
-  }
-  return store.Flush();
-}
-
 bool IsInstalledGame(const SettingsStore& store, const std::string& path) {
   const std::filesystem::path wanted = ComparablePath(path);
   const std::vector<InstalledGame> games = ReadInstalledGames(store);

@@ -68,10 +68,6 @@ struct InstallResult {
 };
 InstallResult InstallGame(Game& game, SettingsStore& store, const std::string& path);
 
-// InstallGame, telling the player through the game's host why a game was not added. True when
-// it was added and the store kept it.
-bool AddInstalledGame(Game& game, SettingsStore& store, const std::string& path);
-
 // True when `path` names the same file as an entry of the installed list.
 bool IsInstalledGame(const SettingsStore& store, const std::string& path);
 
