@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Every program: -h, --help and --version end with status 0 and answer on standard output, the
 # desktop program's without a display, which otherwise it refuses with a pointer to tarve-cli.
-# tarve-compile never writes over its game, named twice or through a link.
+# A mistake on the command line ends with status 2 and one line naming it; a file that cannot be
+# read or written ends tarve-compile with status 1. tarve-compile never writes over its game,
+# named twice or through a link.
 set -u
 cli=$1
 compile=$2
@@ -26,6 +28,25 @@ if [ -n "$desktop" ]; then
   "$desktop" "$game" 2>"$work/err" && fail "tarve without a display exits 0"
   grep -q "tarve-cli GAME.gwl" "$work/err" || fail "tarve without a display names tarve-cli"
 fi
+
+# Each mistake, then the start of the line it must print on standard error.
+while IFS='|' read -r args said; do
+  # shellcheck disable=SC2086  # the options are split on purpose
+  "$cli" $args </dev/null >/dev/null 2>"$work/err"
+  status=$?
+  [ $status -eq 2 ] || fail "tarve-cli $args exits $status, not 2"
+  grep -qF "tarve-cli: $said" "$work/err" || fail "tarve-cli $args says: $(head -1 "$work/err")"
+done <<MISTAKES
+--log $work/none/x.log $game|cannot write the log file
+--transcript $work/none/t.txt $game|cannot write the transcript file
+--dump|--dump needs a game file
+--width 5 $game|--width needs a number of columns, 10 or more, not '5'
+--frob $game|unknown option --frob
+--seed|--seed needs a value
+MISTAKES
+"$compile" </dev/null 2>/dev/null; [ $? -eq 2 ] || fail "tarve-compile without files is no mistake"
+"$compile" "$work/none.gwl" "$work/o.cgw" 2>/dev/null; [ $? -eq 1 ] || fail "a missing game"
+"$compile" "$game" "$work/none/o.cgw" 2>/dev/null; [ $? -eq 1 ] || fail "an unwritable output"
 
 cp "$game" "$work/g.gwl"
 ln -s g.gwl "$work/link.cgw"
