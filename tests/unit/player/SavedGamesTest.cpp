@@ -166,18 +166,6 @@ TEST(LoadSavedGame, EveryCutOrReorderedFileIsRefusedAndLeavesTheGameInProgressUn
   EXPECT_EQ(StateOf(game), state);
 }
 
-// A random value: anything but a line break; or a name as a script writes one.
-std::string RandomText(std::mt19937& random, bool name) {
-  static constexpr const char* kPieces[] = {"a",  "Z", "7", "_", ".", " ", ";", ",",  "\"", "!",
-                                            "!e", "<", ">", "#", "%", "|", "é", "日", "\t"};
-  std::string text = name ? "v" : "";
-  for (int i = std::uniform_int_distribution<int>(0, 12)(random); i > 0; --i) {
-    text += kPieces[std::uniform_int_distribution<std::size_t>(0, name ? 5 : 18)(random)];
-  }
-  while (name && text.back() == ' ') text.pop_back();
-  return text;
-}
-
 // Random states of the farm (variables with separators, quotes, accents and blanks in their
 // values; things moved, hidden and concealed; items, collectables, the room) saved through the
 // Save As menu load back equal into a fresh player, and saved again give the same file; so does
@@ -186,23 +174,26 @@ TEST(SaveRoundTrip, EveryStateSaveWritesLoadsBackEqual) {
   TempDir dir;
   const std::string game_file = dir.Write("farm.gwl", kFarm);
   Lines moves;
-  for (const std::string room : {"yard", "barn"}) {
-    moves.push_back("goto <" + room + ">");
-    for (const std::string thing : {"pail", "hay"})
-      moves.push_back("moveobject <" + thing + "; " + room + ">");
-    moves.push_back("movechar <Horse; " + room + ">");
-  }
-  for (const std::string verb : {"hide", "show", "conceal", "reveal"}) {
-    for (const std::string thing : {"pail", "hay"})
-      moves.push_back(verb + "object <" + thing + ">");
-    moves.push_back(verb + "char <Horse>");
-  }
-  for (const std::string verb : {"give <", "lose <", "set <gold; =", "set <debt; ="}) {
-    moves.push_back(verb + (verb.starts_with("set") ? "-3>" : "lamp>"));
-    moves.push_back(verb + (verb.starts_with("set") ? "30000>" : "key>"));
-  }
+  std::istringstream statements(
+      "goto <yard>|goto <barn>|moveobject <pail; barn>|moveobject <hay; barn>|give <lamp>|"
+      "movechar <Horse; yard>|moveobject <pail; yard>|hideobject <pail>|showobject <pail>|"
+      "concealobject <hay>|revealobject <hay>|hidechar <Horse>|showchar <Horse>|lose <key>|"
+      "concealchar <Horse>|revealchar <Horse>|set <gold; =-3>|set <debt; =30000>");
+  for (std::string line; std::getline(statements, line, '|');) moves.push_back(line);
+  // Pieces of a value (anything but a line break); the first six make names as scripts write.
+  const char* const pieces[] = {"a",  "Z", "7", "_", ".", " ", ";",      ",",      "\"", "!",
+                                "!e", "<", ">", "#", "%", "|", "\u00e9", "\u65e5", "\t"};
   for (unsigned seed = 0; seed <= 60; ++seed) {
     std::mt19937 random(seed);
+    const auto pick = [&](std::size_t n) {
+      return std::uniform_int_distribution<std::size_t>(0, n - 1)(random);
+    };
+    const auto text = [&](std::size_t kinds) {
+      std::string text = kinds == 6 ? "v" : "";
+      for (std::size_t i = pick(13); i > 0; --i) text += pieces[pick(kinds)];
+      while (kinds == 6 && text.back() == ' ') text.pop_back();
+      return text;
+    };
     TestGame played(dir);
     ASSERT_TRUE(played.player.OpenGame(game_file));
     if (seed == 0) {  // variables filled up to what they may hold, longest values first
@@ -216,20 +207,11 @@ TEST(SaveRoundTrip, EveryStateSaveWritesLoadsBackEqual) {
         SetStringVariable(played.game, "w" + std::to_string(i), std::string(1000, 'y'));
       }
     }
-    for (int step = std::uniform_int_distribution<int>(1, 40)(random); step > 0; --step) {
-      switch (std::uniform_int_distribution<int>(0, 3)(random)) {
-        case 0:
-          SetStringVariable(played.game, RandomText(random, true), RandomText(random, false));
-          break;
-        case 1:
-          SetNumericVariable(played.game, RandomText(random, true),
-                             std::uniform_int_distribution<int>(-32768, 32767)(random));
-          break;
-        default:
-          ExecuteScript(
-              played.game,
-              moves[std::uniform_int_distribution<std::size_t>(0, moves.size() - 1)(random)]);
-      }
+    for (std::size_t step = pick(40); step > 0; --step) {
+      const std::size_t what = pick(4);
+      if (what == 0) SetStringVariable(played.game, text(6), text(std::size(pieces)));
+      if (what == 1) SetNumericVariable(played.game, text(6), static_cast<int16_t>(random()));
+      if (what > 1) ExecuteScript(played.game, moves[pick(moves.size())]);
     }
     const std::string path = dir.path() + "/state.tsg";
     played.host.file_dialog_answers.push_back(path);
