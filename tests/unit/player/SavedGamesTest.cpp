@@ -85,7 +85,7 @@ struct FarmInProgress {
   std::string saved = dir.path() + "/farm.tsg";
 };
 
-TEST(SaveGame, WritesEveryTableInOrderWithCrLfAndSignedNumbers) {
+TEST(SaveGame, WritesEveryTableInOrderWithCrLfAndSignedNumbersOrNothing) {
   FarmInProgress farm;
   ASSERT_TRUE(SaveGame(farm.t.game, farm.saved));
   EXPECT_EQ(farm.t.game.run.current_saved_game_path, farm.saved);
@@ -106,12 +106,8 @@ TEST(SaveGame, WritesEveryTableInOrderWithCrLfAndSignedNumbers) {
   EXPECT_NE(std::find(strings, numerics, "tarve.currentroom;barn"), numerics);
   EXPECT_NE(std::find(strings, numerics, "motto; a;b,c \"quoted\""), numerics);
   EXPECT_EQ(Lines(numerics, lines.end()), (Lines{"!n", "visits; 1", "score;-12", "!e"}));
-}
 
-// A failure the player meets (no such folder) is in saved/failed-save.tt.
-TEST(SaveGame, AFolderInTheWayOrNoGameInProgressWritesNothing) {
-  FarmInProgress farm;
-  ASSERT_TRUE(SaveGame(farm.t.game, farm.saved));
+  // A folder in the way or no game in progress writes nothing (no such folder: failed-save.tt).
   const std::string folder = farm.dir.path() + "/folder.tsg";
   fs::create_directory(folder);
   EXPECT_FALSE(SaveGame(farm.t.game, folder));
