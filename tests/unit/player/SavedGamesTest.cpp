@@ -24,27 +24,11 @@ using test::TestGame;
 using Lines = std::vector<std::string>;
 
 constexpr const char* kFarm =
-    "define game <Farm>\n"
-    "  gwl-version <217>\n"
-    "  start <yard>\n"
-    "  possitems <lamp, key>\n"
-    "  startitems <key>\n"
-    "  collectables <gold num=2, debt num=-1>\n"
-    "  startscript setvar <visits; 1>\n"
-    "end define\n"
-    "define room <yard>\n"
-    "  north <barn>\n"
-    "  define object <pail>\n"
-    "  end define\n"
-    "  define object <hay>\n"
-    "    invisible\n"
-    "  end define\n"
-    "end define\n"
-    "define room <barn>\n"
-    "  define character <Horse>\n"
-    "    hidden\n"
-    "  end define\n"
-    "end define\n";
+    "define game <Farm>\n gwl-version <217>\n start <yard>\n possitems <lamp, key>\n"
+    " startitems <key>\n collectables <gold num=2, debt num=-1>\n startscript setvar <visits; 1>\n"
+    "end define\ndefine room <yard>\n north <barn>\n define object <pail>\n end define\n"
+    " define object <hay>\n invisible\n end define\nend define\n"
+    "define room <barn>\n define character <Horse>\n hidden\n end define\nend define\n";
 
 // Everything a saved game keeps, written out so that two states can be compared.
 Lines StateOf(const Game& game) {
@@ -52,8 +36,7 @@ Lines StateOf(const Game& game) {
   for (const Collectable& c : game.inventory.collectables) {
     state.push_back(c.name + "=" + std::to_string(c.amount));
   }
-  for (const Item& item : game.inventory.items)
-    state.push_back(item.name + (item.held ? "+" : "-"));
+  for (const Item& item : game.inventory.items) state.push_back(item.name + (item.held ? "+" : ""));
   for (const auto* table : {&game.world.objects, &game.world.characters}) {
     for (const Thing& thing : *table) {
       state.push_back(thing.name + " in " + thing.room + (thing.exists ? "+" : "-") +
