@@ -175,16 +175,13 @@ TEST(SaveRoundTrip, EveryStateSaveWritesLoadsBackEqual) {
     };
     TestGame played(dir);
     ASSERT_TRUE(played.player.OpenGame(game_file));
-    if (seed == 0) {  // variables filled up to what they may hold, longest values first
-      const std::string longest(kMaxVariableValueBytes, 'x');
-      for (int i = 0; played.game.variables.bytes + longest.size() + 4096 < kMaxVariablesBytes;
-           ++i) {
-        SetStringVariable(played.game, "v" + std::to_string(i), longest);
-      }
-      const std::size_t refusals = played.host.log.size();
-      for (int i = 0; played.host.log.size() == refusals; ++i) {
-        SetStringVariable(played.game, "w" + std::to_string(i), std::string(1000, 'y'));
-      }
+    // Seed 0: variables filled up to what they may hold, longest values first.
+    for (std::size_t i = 0, logged = played.host.log.size();
+         seed == 0 && played.host.log.size() == logged; ++i) {
+      const bool room =
+          played.game.variables.bytes + kMaxVariableValueBytes + 4096 < kMaxVariablesBytes;
+      SetStringVariable(played.game, "v" + std::to_string(i),
+                        std::string(room ? kMaxVariableValueBytes : 1000, 'x'));
     }
     for (std::size_t step = pick(40); step > 0; --step) {
       const std::size_t what = pick(4);
