@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 
 #include "player/OpenGame.h"
@@ -22,10 +21,9 @@ struct Opened {
                                                            "define room <Hall>\nend define\n")));
   }
   Lines Warnings() const {
-    Lines warnings;
-    std::copy_if(t.host.log.begin(), t.host.log.end(), std::back_inserter(warnings),
-                 [](const std::string& line) { return line.starts_with("Warning"); });
-    return warnings;
+    Lines log = t.host.log;
+    std::erase_if(log, [](const std::string& line) { return !line.starts_with("Warning"); });
+    return log;
   }
   test::TempDir dir;
   test::TestGame t{dir};
