@@ -65,8 +65,9 @@ TEST(OpenGame, SetsTheCaptionProgressAndDebugMenuAndMarksTheLogFile) {
                                            "Initialising... 30", "Initialising... 40", "closed"}));
   EXPECT_FALSE(opened.t.host.busy);
   EXPECT_TRUE(opened.t.host.controls_enabled);
-  EXPECT_TRUE(opened.t.host.debug_menu_shown);  // nodebug must be the whole line
-  EXPECT_FALSE(Opened("  nodebug  \nstart <Hall>\n").t.host.debug_menu_shown);
+  EXPECT_TRUE(opened.t.host.debug_menu_shown && opened.t.game.run.debug_allowed);
+  const Opened nodebug("  nodebug  \nstart <Hall>\n");  // nodebug must be the whole line
+  EXPECT_FALSE(nodebug.t.host.debug_menu_shown || nodebug.t.game.run.debug_allowed);
 
   // Every new game in the log file after the first is marked off from the one before.
   const std::string first = test::ReadFile(opened.t.game.settings.log_file);

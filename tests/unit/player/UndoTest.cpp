@@ -40,6 +40,7 @@ TEST(Undo, TakesBackEveryTableATurnChanged) {
   for (int round = 0; round < 2; ++round) {  // the game plays on, and undoes again
     lab.t.player.SubmitCommand("mess");
     ASSERT_EQ(lab.Var("fresh"), "fresh=new");
+    lab.t.host.viewer_rows.clear();
     EXPECT_TRUE(lab.t.player.Undo());
     EXPECT_EQ(lab.t.game.world.current_room, "Hall");
     EXPECT_EQ(lab.Var("word"), "word=before");  // the name as first spelt, too
@@ -53,7 +54,9 @@ TEST(Undo, TakesBackEveryTableATurnChanged) {
     EXPECT_TRUE(lab.Find(ThingKind::kCharacter, "cat").exists);
     EXPECT_FALSE(FindItem(lab.t.game, "lamp")->held);
     EXPECT_EQ(GetCollectableAmount(lab.t.game, "score"), 0.0f);
-    EXPECT_EQ(lab.t.host.location, "  Hall");
+    EXPECT_EQ(lab.t.host.location, "  Hall");  // the panes follow
+    EXPECT_EQ(lab.t.host.items.find("lamp"), std::string::npos);
+    EXPECT_FALSE(lab.t.host.viewer_rows.empty());
     EXPECT_FALSE(lab.t.player.Undo());
   }
 }
