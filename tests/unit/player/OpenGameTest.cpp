@@ -29,7 +29,8 @@ struct Opened {
   test::TestGame t{dir};
 };
 
-// A plain newer version, its box and its log are the player/future-version transcript.
+// A plain newer version, its box and its log are the player/future-version transcript; a game
+// without a version is in reader/chains.tt.
 TEST(OpenGame, VersionAndStartChecksWarnButNeverStopTheOpening) {
   const std::string future = "Warning: File contains future version header (greater than 217).";
   const std::string unrecognised = "Warning: Unrecognised GWL version number.";
@@ -41,7 +42,6 @@ TEST(OpenGame, VersionAndStartChecksWarnButNeverStopTheOpening) {
       {"gwl-version <216.5>\nstart <Hall>\n", {unrecognised}},
       {"gwl-version <abc>\nstart <Hall>\n",
        {"Warning: File contains invalid version header.", unrecognised}},
-      {"start <Hall>\n", {"Warning: File contains no version header."}},
       {"gwl-version <200>\ngwl-version <abc>\nstart <Hall>\n", {}},  // only the first counts
       {"gwl-version <217>\n",
        {"Warning: The game has no 'start' line, so play begins in no room."}},
