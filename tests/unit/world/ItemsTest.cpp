@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "base/Numbers.h"
 #include "script/GameReader.h"
 #include "support/TestSupport.h"
 #include "world/Items.h"
@@ -38,36 +39,24 @@ class InventoryTest : public ::testing::Test {
   Game game{host};
 };
 
+// What a player sees of items and collectables through the game's own text is the
+// world/inventory transcript; these are the window's panes and viewer.
 TEST_F(InventoryTest, CollectablesAreReadFromTheirDeclarations) {
   SetUpGame(
       "  collectables <score num=10 [Score: !], gold dcoins = 2.5 [! coin*s*; so far]; "
       "lives int=3, hidden num=0 [], plain=7>\n");
-  const std::vector<Collectable>& c = game.inventory.collectables;
-  ASSERT_EQ(c.size(), 5u);
-  EXPECT_EQ(c[0].name, "score");
-  EXPECT_EQ(c[0].type, "num");
-  EXPECT_EQ(c[0].amount, 10.0f);
-  EXPECT_EQ(c[0].display, "Score: !");
-  EXPECT_TRUE(c[0].flag);
   // A type beginning with "d" loses the "d" and clears the flag; ";" inside the display text
   // belongs to it.
-  EXPECT_EQ(c[1].name, "gold");
-  EXPECT_EQ(c[1].type, "coins");
-  EXPECT_FALSE(c[1].flag);
-  EXPECT_EQ(c[1].amount, 2.5f);
-  EXPECT_EQ(c[1].display, "! coin*s*; so far");
-  EXPECT_EQ(c[2].name, "lives");
-  EXPECT_EQ(c[2].amount, 3.0f);
-  EXPECT_EQ(c[2].display, "<def>");
-  EXPECT_EQ(c[3].display, "");
-  EXPECT_EQ(c[4].name, "plain");
-  EXPECT_EQ(c[4].type, "");
-  EXPECT_EQ(c[4].amount, 7.0f);
-
+  std::vector<std::string> read;
+  for (const Collectable& c : game.inventory.collectables) {
+    read.push_back(c.name + "/" + c.type + "/" + FormatSingle(c.amount) + "/" + c.display + "/" +
+                   (c.flag ? "on" : "off"));
+  }
+  EXPECT_EQ(read, (std::vector<std::string>{
+                      "score/num/10/Score: !/on", "gold/coins/2.5/! coin*s*; so far/off",
+                      "lives/int/3/<def>/on", "hidden/num/0//on", "plain//7/<def>/on"}));
   EXPECT_EQ(host.viewer, (std::vector<std::string>{"1/6 score=10", "2/6 gold=2.5", "3/6 lives=3",
                                                    "4/6 hidden=0", "5/6 plain=7"}));
-  EXPECT_EQ(GetCollectableAmount(game, "gold"), 2.5f);
-  EXPECT_EQ(GetCollectableAmount(game, "Gold"), 0.0f);
 }
 
 TEST(CollectableText, ShowsTheDefaultTextTheDisplayOrNull) {
@@ -103,13 +92,11 @@ TEST_F(InventoryTest, ThePanesAndTheViewerFollowEveryChange) {
   // The collectables pane leaves out a "d" collectable and one with an empty display; the
   // viewer shows them all.
   host.viewer.clear();
-  ExecuteSet(game, "score; =0.1");
-  ExecuteSet(game, "score; +0.2");
-  EXPECT_EQ(GetCollectableAmount(game, "score"), 0.1f + 0.2f);  // single precision
+  ExecuteSet(game, "score; =0.3");
   EXPECT_EQ(host.collectables, (std::vector<std::string>{"You have 0.3 score", "Bonus: 4"}));
-  EXPECT_EQ(host.viewer.size(), 8u);
-  EXPECT_EQ(host.viewer[4], "1/5 score=0.3");
-  EXPECT_EQ(host.viewer[7], "4/5 gone=0");
+  EXPECT_EQ(host.viewer.size(), 4u);
+  EXPECT_EQ(host.viewer[0], "1/5 score=0.3");
+  EXPECT_EQ(host.viewer[3], "4/5 gone=0");
 
   ExecuteSet(game, "bonus; =1e39");
   EXPECT_EQ(GetCollectableAmount(game, "bonus"), 4.0f);
