@@ -2,14 +2,33 @@
 
 #include <tuple>
 
-#include "ParserTestGame.h"
-#include "game/Game.h"
+#include "interpreter/Variables.h"
+#include "support/TestSupport.h"
 #include "world/CommandParser.h"
 
 namespace tarve {
 namespace {
 
-using test::ParserTestGame;
+// A game read from source with its turn scripts, and one typed turn with what it printed.
+class ParserTest : public ::testing::Test {
+ protected:
+  void Read(std::string_view source) {
+    ASSERT_TRUE(test::ReadSource(t, dir, source));
+    ReadTurnScripts(t.game);
+  }
+  std::string Turn(std::string command) {
+    t.host.output.clear();
+    ExecuteCommand(t.game, command, /*echo=*/true, /*try_game_commands=*/true);
+    std::erase(t.host.output, '\r');
+    return t.host.output;
+  }
+  std::string Variable(std::string_view name) {
+    return FindVariable(t.game.variables.strings, name)->value;
+  }
+
+  test::TempDir dir;
+  test::TestGame t{dir};
+};
 
 TEST(PatternMatches, LiteralPiecesMatchInOrderAndOnlyAtTheEnds) {
   const std::tuple<const char*, const char*, bool> cases[] = {
@@ -33,51 +52,48 @@ TEST(PatternMatches, LiteralPiecesMatchInOrderAndOnlyAtTheEnds) {
   }
 }
 
-TEST(CapturePatternVariables, TakesTheTextBetweenTheFirstOccurrencesOfThePieces) {
-  ParserTestGame p("define game <G>\nend define\n", "");
-  CapturePatternVariables(p.game(), "open box with key with care", "open #a# with #b#");
-  CapturePatternVariables(p.game(), "put  red ball in box", "put #what# in #where#");
+TEST_F(ParserTest, CaptureTakesTheTextBetweenTheFirstOccurrencesOfThePieces) {
+  CapturePatternVariables(t.game, "open box with key with care", "open #a# with #b#");
+  CapturePatternVariables(t.game, "put  red ball in box", "put #what# in #where#");
   // A pattern written with capitals captures from the lower-cased command, and the variable
   // keeps the name as written.
-  CapturePatternVariables(p.game(), "unlock door", "Unlock #Thing#");
+  CapturePatternVariables(t.game, "unlock door", "Unlock #Thing#");
   for (const auto& [name, value] : std::vector<std::pair<std::string, std::string>>{
            {"a", "box"}, {"b", "key with care"}, {"what", " red ball"}, {"thing", "door"}}) {
-    EXPECT_EQ(p.StringVariable(name), value) << name;
+    EXPECT_EQ(Variable(name), value) << name;
   }
-  EXPECT_EQ(FindVariable(p.game().variables.strings, "thing")->name, "Thing");
-  EXPECT_TRUE(p.host().log.empty());
+  EXPECT_EQ(FindVariable(t.game.variables.strings, "thing")->name, "Thing");
+  EXPECT_TRUE(t.host.log.empty());
 }
 
 // Turns as the window plays them: the turn scripts (every afterturn line), the command box, the
 // blank line after a turn, and the states in which a typed line is no command.
-TEST(ExecuteCommand, RunsTheTurnScriptsEmptiesTheCommandBoxAndSkipsPausedTurns) {
-  ParserTestGame p(
+TEST_F(ParserTest, TurnsRunTheTurnScriptsEmptyTheCommandBoxAndSkipPausedTurns) {
+  Read(
       "define game <G>\n  beforeturn msg <before>\n  afterturn msg <after>\n"
-      "  afterturn   msg <after again>\n  command <xyzzy> msg <Nothing happens.>\nend define\n",
-      "");
-  p.game().output.blank_line_after_turn = true;
-  EXPECT_EQ(p.Turn("XYZZY"), "> XYZZY\nbefore\nNothing happens.\n\nafter\nafter again\n");
-  EXPECT_EQ(p.host().command_box_clears, 1);
-  EXPECT_EQ(p.host().command_box_focus, 1);
+      "  afterturn   msg <after again>\n  command <xyzzy> msg <Nothing happens.>\nend define\n");
+  t.game.output.blank_line_after_turn = true;
+  EXPECT_EQ(Turn("XYZZY"), "> XYZZY\nbefore\nNothing happens.\n\nafter\nafter again\n");
+  EXPECT_EQ(t.host.command_box_clears, 1);
+  EXPECT_EQ(t.host.command_box_focus, 1);
 
-  EXPECT_EQ(p.Turn(""), "");
-  p.game().parser.paused = true;
-  EXPECT_EQ(p.Turn("xyzzy"), "");
-  p.game().parser.paused = false;
-  p.game().parser.waiting_for_input = true;
-  p.game().parser.input_variable = "answer";
-  EXPECT_EQ(p.Turn("Grab The LAMP"), "");
-  EXPECT_EQ(p.StringVariable("answer"), "Grab The LAMP");
-  EXPECT_FALSE(p.game().parser.waiting_for_input);
-  EXPECT_EQ(p.host().command_box_clears, 2);
-  EXPECT_EQ(p.host().command_box_focus, 2);
+  EXPECT_EQ(Turn(""), "");
+  t.game.parser.paused = true;
+  EXPECT_EQ(Turn("xyzzy"), "");
+  t.game.parser.paused = false;
+  t.game.parser.waiting_for_input = true;
+  t.game.parser.input_variable = "answer";
+  EXPECT_EQ(Turn("Grab The LAMP"), "");
+  EXPECT_EQ(Variable("answer"), "Grab The LAMP");
+  EXPECT_FALSE(t.game.parser.waiting_for_input);
+  EXPECT_EQ(t.host.command_box_clears, 2);
+  EXPECT_EQ(t.host.command_box_focus, 2);
 }
 
-TEST(ExecuteCommand, HelpSwitchesToVerdanaAndBack) {
-  ParserTestGame p("define game <G>\nend define\n", "");
-  p.game().output.current_default_font_name = "Georgia";
-  p.Turn("help");
-  const std::string& styled = p.host().styled;
+TEST_F(ParserTest, HelpSwitchesToVerdanaAndBack) {
+  t.game.output.current_default_font_name = "Georgia";
+  Turn("help");
+  const std::string& styled = t.host.styled;
   EXPECT_LT(styled.find("{font:Verdana}"), styled.find("USING TARVE:"));
   EXPECT_GT(styled.find("{font:Georgia}"), styled.find("F11"));
 }
