@@ -42,6 +42,7 @@ TEST_F(OutputTest, StyleCodesAndTheirEndCodes) {
   EXPECT_EQ(Printed("|bB|xb|iI|xi|uU|xu"), "{b}B{b}{i}I{i}{u}U{/u}\r\n");
   // No escape for a bar: the first is dropped and the second starts a code.
   EXPECT_EQ(Printed("||bx"), "{b}x\r\n");
+  EXPECT_EQ(Printed("x|c|bz"), "x{clear}{b}z\r\n");  // a clear code for any other letter
 }
 
 // The size code takes the four characters after the bar (the bar of a next code, a character of
@@ -61,18 +62,6 @@ TEST_F(OutputTest, FontSizeCodeAlwaysTakesFourCharacters) {
   for (const auto& [text, styled] : cases) EXPECT_EQ(Printed(text), styled) << text;
 }
 
-TEST_F(OutputTest, ClearCodeEmptiesThePaneForAnyOtherLetterButNotTheFile) {
-  TurnOnOutputFile(t, dir.path() + "/out.txt");
-  StartGameOutput(t.game);
-  t.host.output.clear();
-  t.host.styled.clear();
-  PrintText(t.game, "abc|cdef");
-  EXPECT_EQ(t.host.output, "def\r\n");
-  EXPECT_EQ(t.host.styled, "abc{clear}def\r\n");
-  EXPECT_EQ(ReadFile(t.game.settings.out_file), "abcdef\r\n");
-  EXPECT_EQ(Printed("x|c|bz"), "x{clear}{b}z\r\n");
-}
-
 TEST_F(OutputTest, OverrideEffectsConsumesStyleCodesWithoutEffect) {
   t.game.settings.override_effects = true;
   EXPECT_EQ(Printed("|bB|xb |uU|xu |iI|xi |crR|cbB|clL|cyY|cgG"), "B U I RBLYG\r\n");
@@ -85,17 +74,6 @@ TEST_F(OutputTest, WaitCodeEndsTheLineWaitsForAKeyAndRepaints) {
   EXPECT_EQ(t.host.waits, std::vector<std::string>{"one\r\n"});
   EXPECT_EQ(t.host.repaints, 1);
   EXPECT_EQ(t.player.last_command(), "");  // the line was a key, not a command
-}
-
-TEST_F(OutputTest, OutputOffReachesNeitherThePaneNorTheFileNorWaits) {
-  TurnOnOutputFile(t, dir.path() + "/out.txt");
-  StartGameOutput(t.game);
-  t.host.styled.clear();
-  t.game.output.enabled = false;
-  PrintText(t.game, "text|n|w|b|s12|jc|cmore");
-  EXPECT_EQ(t.host.styled, "");
-  EXPECT_EQ(ReadFile(t.game.settings.out_file), "");
-  EXPECT_TRUE(t.host.waits.empty());
 }
 
 TEST_F(OutputTest, EmptyFontNamesZeroSizesAndOverrideAllFontsGiveTheDefaults) {
@@ -155,8 +133,9 @@ TEST(OutputFile, SeparatorOnlyBeforeEarlierOutputAndTheGameFollowsTheHyphens) {
   EXPECT_EQ(ReadFile(empty), "Only\r\n");
 }
 
-// A file that cannot be opened is the player/FileSafety test.
-TEST_F(OutputTest, OutputFileFollowsTheSetting) {
+// The clear code empties the pane but not the file; with the output off nothing reaches either
+// and no code waits. A file that cannot be opened is the player/FileSafety test.
+TEST_F(OutputTest, OutputFileFollowsTheSettingAndKeepsClearedText) {
   const std::string path = dir.path() + "/out.txt";
   t.game.settings.out_file = path;
   StartGameOutput(t.game);
@@ -165,10 +144,18 @@ TEST_F(OutputTest, OutputFileFollowsTheSetting) {
   PrintText(t.game, "not copied");
   EXPECT_FALSE(std::filesystem::exists(path));
   StartGameOutput(t.game);
-  PrintText(t.game, "copied");
+  t.host.output.clear();
+  t.host.styled.clear();
+  PrintText(t.game, "abc|cdef");
+  t.game.output.enabled = false;
+  PrintText(t.game, "text|n|w|b|s12|jc|cmore");
+  EXPECT_EQ(t.host.output, "def\r\n");
+  EXPECT_EQ(t.host.styled, "abc{clear}def\r\n");
+  EXPECT_TRUE(t.host.waits.empty());
+  t.game.output.enabled = true;
   t.game.settings.output_file = false;
   PrintText(t.game, "dropped");
-  EXPECT_EQ(ReadFile(path), "copied\r\n");
+  EXPECT_EQ(ReadFile(path), "abcdef\r\n");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "base/Numbers.h"
+#include <tuple>
+
 #include "script/GameReader.h"
 #include "support/TestSupport.h"
 #include "world/Items.h"
@@ -40,48 +41,15 @@ class InventoryTest : public ::testing::Test {
 };
 
 // What a player sees of items and collectables through the game's own text is the
-// world/inventory transcript; these are the window's panes and viewer.
-TEST_F(InventoryTest, CollectablesAreReadFromTheirDeclarations) {
-  SetUpGame(
-      "  collectables <score num=10 [Score: !], gold dcoins = 2.5 [! coin*s*; so far]; "
-      "lives int=3, hidden num=0 [], plain=7>\n");
-  // A type beginning with "d" loses the "d" and clears the flag; ";" inside the display text
-  // belongs to it.
-  std::vector<std::string> read;
-  for (const Collectable& c : game.inventory.collectables) {
-    read.push_back(c.name + "/" + c.type + "/" + FormatSingle(c.amount) + "/" + c.display + "/" +
-                   (c.flag ? "on" : "off"));
-  }
-  EXPECT_EQ(read, (std::vector<std::string>{
-                      "score/num/10/Score: !/on", "gold/coins/2.5/! coin*s*; so far/off",
-                      "lives/int/3/<def>/on", "hidden/num/0//on", "plain//7/<def>/on"}));
-  EXPECT_EQ(host.viewer, (std::vector<std::string>{"1/6 score=10", "2/6 gold=2.5", "3/6 lives=3",
-                                                   "4/6 hidden=0", "5/6 plain=7"}));
-}
-
-TEST(CollectableText, ShowsTheDefaultTextTheDisplayOrNull) {
-  Collectable c;
-  c.name = "points";
-  c.amount = 2.5f;
-  EXPECT_EQ(CollectableText(c), "You have 2.5 points");
-  c.display = "";
-  EXPECT_EQ(CollectableText(c), "<null>");
-  c.display = "[! coin*s* and ! gem*s*]";
-  c.amount = 1;
-  EXPECT_EQ(CollectableText(c), "[1 coin and ! gem]");
-  c.amount = 3;
-  EXPECT_EQ(CollectableText(c), "[3 coins and ! gems]");
-  c.amount = 0;
-  EXPECT_EQ(CollectableText(c), "[0 coins and ! gems]");
-  c.display = "Stars: * (unclosed";
-  EXPECT_EQ(CollectableText(c), "Stars: * (unclosed");
-}
-
-TEST_F(InventoryTest, ThePanesAndTheViewerFollowEveryChange) {
+// world/inventory transcript; these are the window's panes and viewer. The collectables pane
+// leaves out a "d" collectable and one with an empty display; the viewer shows them all.
+TEST_F(InventoryTest, ThePanesAndTheViewerShowTheDeclarationsAndFollowEveryChange) {
   SetUpGame(
       "  items <lamp, key>\n"
-      "  collectables <score num=10, bonus num=4 [Bonus: !], secret dnum=1, gone num=0 []>\n");
-  host.viewer.clear();
+      "  collectables <score num=10 [Score: !], gold coins = 2.5 [! coin*s*; so far]; "
+      "lives int=3, secret dnum=1, hidden num=0 [], plain=7>\n");
+  EXPECT_EQ(host.viewer, (std::vector<std::string>{"1/7 score=10", "2/7 gold=2.5", "3/7 lives=3",
+                                                   "4/7 secret=1", "5/7 hidden=0", "6/7 plain=7"}));
   ExecuteGive(game, "lamp");
   ExecuteGive(game, "key");
   EXPECT_EQ(host.items, "Items:\r\n    lamp\r\n    key");
@@ -89,19 +57,31 @@ TEST_F(InventoryTest, ThePanesAndTheViewerFollowEveryChange) {
   ExecuteLose(game, "key");
   EXPECT_EQ(host.items, "Items:\r\n    (no items)");
 
-  // The collectables pane leaves out a "d" collectable and one with an empty display; the
-  // viewer shows them all.
-  host.viewer.clear();
   ExecuteSet(game, "score; =0.3");
-  EXPECT_EQ(host.collectables, (std::vector<std::string>{"You have 0.3 score", "Bonus: 4"}));
-  EXPECT_EQ(host.viewer.size(), 4u);
-  EXPECT_EQ(host.viewer[0], "1/5 score=0.3");
-  EXPECT_EQ(host.viewer[3], "4/5 gone=0");
-
-  ExecuteSet(game, "bonus; =1e39");
-  EXPECT_EQ(GetCollectableAmount(game, "bonus"), 4.0f);
+  EXPECT_EQ(host.collectables, (std::vector<std::string>{"Score: 0.3", "2.5 coins; so far",
+                                                         "You have 3 lives", "You have 7 plain"}));
+  EXPECT_EQ(host.viewer.back(), "6/7 plain=7");
+  ExecuteSet(game, "score; =1e39");
+  EXPECT_EQ(GetCollectableAmount(game, "score"), 0.3f);
   EXPECT_EQ(host.log,
-            std::vector<std::string>{"Error: Collectable amount out of range in bonus; =1e39"});
+            std::vector<std::string>{"Error: Collectable amount out of range in score; =1e39"});
+}
+
+// Only the first "!" takes the amount; the text between two "*" is kept unless the amount is 1.
+TEST(CollectableText, ShowsTheDefaultTextTheDisplayOrNull) {
+  const std::tuple<const char*, float, const char*> cases[] = {
+      {"<def>", 2.5f, "You have 2.5 points"},
+      {"", 2.5f, "<null>"},
+      {"[! coin*s* and ! gem*s*]", 1, "[1 coin and ! gem]"},
+      {"[! coin*s* and ! gem*s*]", 0, "[0 coins and ! gems]"},
+      {"Stars: * (unclosed", 3, "Stars: * (unclosed"}};
+  Collectable c;
+  c.name = "points";
+  for (const auto& [display, amount, text] : cases) {
+    c.display = display;
+    c.amount = amount;
+    EXPECT_EQ(CollectableText(c), text) << display;
+  }
 }
 
 }  // namespace

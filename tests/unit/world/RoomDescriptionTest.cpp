@@ -19,36 +19,20 @@ TEST(DescribeRoom, StylesTheTextAndFillsTheWindowsLocationButtonsAndList) {
   TempDir dir;
   TestGame t(dir);
   ASSERT_TRUE(ReadSource(t, dir,
-                         "define game <G>\n"
-                         "end define\n"
+                         "define game <G>\nend define\n"
                          "define room <hall>\n"
-                         "  alias <the Wrong Hall>\n"
-                         "  alias <the Great Hall>\n"
-                         "  prefix <the>\n"
-                         "  out <Garden>\n"
-                         "  out <Cellar>\n"
-                         "  northeast <Tower>\n"
-                         "  north <Library>\n"
-                         "  west msg <The wall is too high.>\n"
-                         "  place <Study>\n"
-                         "  place <the ; sun room> msg <It is locked.>\n"
-                         "  define character <Ann>\n"
+                         "  alias <the Wrong Hall>\n  alias <the Great Hall>\n  prefix <the>\n"
+                         "  out <Garden>\n  out <Cellar>\n"
+                         "  northeast <Tower>\n  north <Library>\n  west msg <Too high.>\n"
+                         "  place <Study>\n  place <the ; sun room> msg <It is locked.>\n"
+                         "  define character <Ann>\n  end define\n"
+                         "  define character <Bill>\n    prefix <Sir>\n    suffix <the Brave>\n"
                          "  end define\n"
-                         "  define character <Bill>\n"
-                         "    prefix <Sir>\n"
-                         "    suffix <the Brave>\n"
-                         "  end define\n"
-                         "  define object <lamp>\n"
-                         "    prefix <a>\n"
-                         "  end define\n"
-                         "  define object <keys>\n"
-                         "    prefix <some>\n"
-                         "    suffix <(rusty)>\n"
+                         "  define object <lamp>\n    prefix <a>\n  end define\n"
+                         "  define object <keys>\n    prefix <some>\n    suffix <(rusty)>\n"
                          "  end define\n"
                          "end define\n"
-                         "define room <Garden>\n"
-                         "  alias <the rose garden>\n"
-                         "end define\n"));
+                         "define room <Garden>\n  alias <the rose garden>\nend define\n"));
   BuildWorldTables(t.game);
   t.game.world.current_room = "hall";
   DescribeRoom(t.game, "hall");
