@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <tuple>
-
 #include "script/GameReader.h"
 #include "support/TestSupport.h"
 #include "world/Items.h"
@@ -42,14 +40,18 @@ class InventoryTest : public ::testing::Test {
 
 // What a player sees of items and collectables through the game's own text is the
 // world/inventory transcript; these are the window's panes and viewer. The collectables pane
-// leaves out a "d" collectable and one with an empty display; the viewer shows them all.
+// leaves out a "d" collectable and one with an empty display; the viewer shows them all. In a
+// display only the first "!" takes the amount, and the text between two "*" is kept unless the
+// amount is 1.
 TEST_F(InventoryTest, ThePanesAndTheViewerShowTheDeclarationsAndFollowEveryChange) {
   SetUpGame(
       "  items <lamp, key>\n"
       "  collectables <score num=10 [Score: !], gold coins = 2.5 [! coin*s*; so far]; "
-      "lives int=3, secret dnum=1, hidden num=0 [], plain=7>\n");
-  EXPECT_EQ(host.viewer, (std::vector<std::string>{"1/7 score=10", "2/7 gold=2.5", "3/7 lives=3",
-                                                   "4/7 secret=1", "5/7 hidden=0", "6/7 plain=7"}));
+      "gems num=1 [! gem*s* and ! ring*s*], lives int=3, secret dnum=1, hidden num=0 [], "
+      "stars=7 [Stars: * (unclosed]>\n");
+  EXPECT_EQ(host.viewer,
+            (std::vector<std::string>{"1/8 score=10", "2/8 gold=2.5", "3/8 gems=1", "4/8 lives=3",
+                                      "5/8 secret=1", "6/8 hidden=0", "7/8 stars=7"}));
   ExecuteGive(game, "lamp");
   ExecuteGive(game, "key");
   EXPECT_EQ(host.items, "Items:\r\n    lamp\r\n    key");
@@ -58,30 +60,14 @@ TEST_F(InventoryTest, ThePanesAndTheViewerShowTheDeclarationsAndFollowEveryChang
   EXPECT_EQ(host.items, "Items:\r\n    (no items)");
 
   ExecuteSet(game, "score; =0.3");
-  EXPECT_EQ(host.collectables, (std::vector<std::string>{"Score: 0.3", "2.5 coins; so far",
-                                                         "You have 3 lives", "You have 7 plain"}));
-  EXPECT_EQ(host.viewer.back(), "6/7 plain=7");
+  EXPECT_EQ(host.collectables,
+            (std::vector<std::string>{"Score: 0.3", "2.5 coins; so far", "1 gem and ! ring",
+                                      "You have 3 lives", "Stars: * (unclosed"}));
+  EXPECT_EQ(host.viewer.back(), "7/8 stars=7");
   ExecuteSet(game, "score; =1e39");
   EXPECT_EQ(GetCollectableAmount(game, "score"), 0.3f);
   EXPECT_EQ(host.log,
             std::vector<std::string>{"Error: Collectable amount out of range in score; =1e39"});
-}
-
-// Only the first "!" takes the amount; the text between two "*" is kept unless the amount is 1.
-TEST(CollectableText, ShowsTheDefaultTextTheDisplayOrNull) {
-  const std::tuple<const char*, float, const char*> cases[] = {
-      {"<def>", 2.5f, "You have 2.5 points"},
-      {"", 2.5f, "<null>"},
-      {"[! coin*s* and ! gem*s*]", 1, "[1 coin and ! gem]"},
-      {"[! coin*s* and ! gem*s*]", 0, "[0 coins and ! gems]"},
-      {"Stars: * (unclosed", 3, "Stars: * (unclosed"}};
-  Collectable c;
-  c.name = "points";
-  for (const auto& [display, amount, text] : cases) {
-    c.display = display;
-    c.amount = amount;
-    EXPECT_EQ(CollectableText(c), text) << display;
-  }
 }
 
 }  // namespace
