@@ -39,6 +39,7 @@ TEST(Text, ComparisonsIgnoreCaseAcrossUnicodeAndFindGivesBytePositions) {
   EXPECT_FALSE(StartsWithNoCase("def", "define"));
 
   EXPECT_EQ(FindNoCase("lamp and lamp", "LAMP", 1), 9u);
+  EXPECT_EQ(FindNoCase("lamp", "lamps"), std::string_view::npos);
   EXPECT_EQ(FindNoCase("abc", "", 2), 2u);
   EXPECT_EQ(FindNoCase("abc", "", 4), std::string_view::npos);
   EXPECT_EQ(FindNoCase("café CRÈME", "crème"), 6u);  // "é" takes two bytes
@@ -69,6 +70,7 @@ TEST(Text, CountsCutsAndSearchesAreInCharacters) {
   EXPECT_EQ(CharInStr("hello world", "o", 6), 8u);
   EXPECT_EQ(CharInStr("hello world", "O"), 0u);  // exact comparison
   EXPECT_EQ(CharInStr("hello", "l", 0), 3u);
+  EXPECT_EQ(CharInStr("hello", "o", 6), 0u);
   EXPECT_EQ(CharInStr("éèê ê", "ê", 4), 5u);
   // An empty search text is found where the search starts, up to one past the end.
   EXPECT_EQ(CharInStr("héllo", "", 6), 6u);
