@@ -11,23 +11,18 @@ namespace {
 
 using Pair = std::pair<std::string, std::string>;
 
+// Octal escapes keep invalid bytes apart from the letters after them: "\377" is the byte FF.
 TEST(Text, CaseMappingCoversUnicodeSimpleMappingsAndKeepsInvalidBytes) {
   for (const auto& [text, lower] : std::vector<Pair>{{"Open The DOOR", "open the door"},
-                                                     {"Éclair", "éclair"},
                                                      {"ΑΘΗΝΑ", "αθηνα"},
                                                      {"ÀB CD", "àb cd"},  // ASCII after Unicode
-                                                     {"A\xFF"
-                                                      "B\xC3",
-                                                      "a\xFF"
-                                                      "b\xC3"},
-                                                     {"", ""}}) {
+                                                     {"A\377B\303", "a\377b\303"}}) {
     EXPECT_EQ(LCase(text), lower) << text;
   }
   // Simple mappings are one character to one: sharp s has no single upper-case letter.
   for (const auto& [text, upper] : std::vector<Pair>{{"open the door 42!", "OPEN THE DOOR 42!"},
-                                                     {"привет", "ПРИВЕТ"},
                                                      {"straße", "STRAßE"},
-                                                     {"\x80x\xE2\x82", "\x80X\xE2\x82"}}) {
+                                                     {"\200x\342\202", "\200X\342\202"}}) {
     EXPECT_EQ(UCase(text), upper) << text;
   }
 }
@@ -38,10 +33,7 @@ TEST(Text, ComparisonsIgnoreCaseAcrossUnicodeAndFindGivesBytePositions) {
   EXPECT_FALSE(EqualsNoCase("lamps", "lamp"));
   EXPECT_FALSE(EqualsNoCase("éclair", "eclair"));
   // The Kelvin sign lower-cases to an ASCII k although it takes three bytes.
-  EXPECT_TRUE(
-      EqualsNoCase("\xE2\x84\xAA"
-                   "ey",
-                   "key"));
+  EXPECT_TRUE(EqualsNoCase("\342\204\252ey", "key"));
   EXPECT_TRUE(StartsWithNoCase("Ärger", "ä"));
   EXPECT_FALSE(StartsWithNoCase("  define", "define"));
   EXPECT_FALSE(StartsWithNoCase("def", "define"));
@@ -52,38 +44,26 @@ TEST(Text, ComparisonsIgnoreCaseAcrossUnicodeAndFindGivesBytePositions) {
   EXPECT_EQ(FindNoCase("abc", "", 4), std::string_view::npos);
   EXPECT_EQ(FindNoCase("café CRÈME", "crème"), 6u);  // "é" takes two bytes
   EXPECT_EQ(FindNoCase("ÉTÉ été", "ÉTÉ", 1), 6u);
-
-  EXPECT_EQ(Trim("  hello world  "), "hello world");
-  EXPECT_EQ(Trim("\thello\t"), "\thello\t");  // blanks only
-  EXPECT_EQ(TrimLeftView("  a b  "), "a b  ");
-  EXPECT_EQ(TrimRightView("  a b  "), "  a b");
+  EXPECT_EQ(Trim("\thello \t "), "\thello \t");  // blanks only
 }
 
 TEST(Text, CountsCutsAndSearchesAreInCharacters) {
   EXPECT_EQ(CharCount("héllo"), 5u);
-  EXPECT_EQ(CharCount("a\xFF"
-                      "b"),
-            3u);
-  EXPECT_EQ(CharCount("\xE2\x82"), 2u);  // each byte of a truncated sequence is a character
+  EXPECT_EQ(CharCount("a\377b"), 3u);
+  EXPECT_EQ(CharCount("\342\202"), 2u);  // each byte of a truncated sequence is a character
   EXPECT_EQ(ByteOffsetOfChar("héllo", 2), 3u);
   EXPECT_EQ(ByteOffsetOfChar("héllo", 99), 6u);
   const std::vector<Pair> cuts = {
       {CharLeft("héllo", 2), "hé"},
       {CharLeft("héllo", 9), "héllo"},
-      {CharLeft("héllo", 0), ""},
       {CharRight("naïve", 3), "ïve"},
-      {CharRight("naïve", 9), "naïve"},
       {CharRight("naïve", 0), ""},
       {CharMid("crème brûlée", 7, 4), "brûl"},
       {CharMid("crème brûlée", 7), "brûlée"},
       {CharMid("abc", 0, 2), "ab"},
       {CharMid("abc", 3, 10), "c"},
       {CharMid("abc", 4, 1), ""},
-      {CharMid("abc", 2, 0), ""},
-      {CharMid("a\xFF"
-               "bc",
-               3, 1),
-       "b"},
+      {CharMid("a\377bc", 3, 1), "b"},
   };
   for (const auto& [got, expected] : cuts) EXPECT_EQ(got, expected);
 
@@ -96,8 +76,8 @@ TEST(Text, CountsCutsAndSearchesAreInCharacters) {
   EXPECT_EQ(CharInStr("héllo", "", 6), 6u);
   EXPECT_EQ(CharInStr("héllo", "", 7), 0u);
   // A byte match that starts or ends inside a character is no match ("é" is C3 A9).
-  EXPECT_EQ(CharInStr("é\xA9", "\xA9"), 2u);
-  EXPECT_EQ(CharInStr("-é", "-\xC3"), 0u);
+  EXPECT_EQ(CharInStr("é\251", "\251"), 2u);
+  EXPECT_EQ(CharInStr("-é", "-\303"), 0u);
 }
 
 TEST(Text, Windows1252MapsEveryByteAndGameTextIsUtf8OrElseWindows1252) {
@@ -110,29 +90,24 @@ TEST(Text, Windows1252MapsEveryByteAndGameTextIsUtf8OrElseWindows1252) {
     ASSERT_TRUE(back.has_value()) << byte;
     EXPECT_EQ(*back, std::string(1, static_cast<char>(byte))) << byte;
   }
-  EXPECT_EQ(Utf8ToWindows1252("café €5"), std::string("caf\xE9 \x80"
-                                                      "5"));
+  EXPECT_EQ(Utf8ToWindows1252("café €5"), std::string("caf\351 \2005"));
   EXPECT_EQ(Utf8ToWindows1252("日本"), std::nullopt);
-  EXPECT_EQ(Utf8ToWindows1252("a\xFF"), std::nullopt);
+  EXPECT_EQ(Utf8ToWindows1252("a\377"), std::nullopt);
 
   EXPECT_TRUE(IsValidUtf8("café € 😀"));
   EXPECT_TRUE(IsValidUtf8(std::string("a\0b", 3)));
-  for (const char* invalid : {"caf\xE9", "\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80"}) {
+  for (const char* invalid : {"caf\351", "\303", "\300\257", "\355\240\200", "\364\220\200\200"}) {
     EXPECT_FALSE(IsValidUtf8(invalid)) << invalid;  // truncated, overlong, surrogate, too high
   }
 
   for (const auto& [bytes, text] : std::vector<Pair>{
            {"café", "café"},
-           {"\x93quoted\x94 \x85", "\u201Cquoted\u201D \u2026"},
+           {"\223quoted\224 \205", "\u201Cquoted\u201D \u2026"},
            // One invalid byte makes the whole file Windows-1252, even its valid sequences.
-           {"\xC3\xA9 \xE9", "Ã© é"},
-           {"\xEF\xBB\xBF"
-            "define game <x>",
-            "define game <x>"},
-           {"\xEF\xBB\xBF"
-            "caf\xE9",
-            "café"},
-           {"\xEF\xBB\xBF", ""}}) {
+           {"\303\251 \351", "Ã© é"},
+           {"\357\273\277define game <x>", "define game <x>"},
+           {"\357\273\277caf\351", "café"},
+           {"\357\273\277", ""}}) {
     EXPECT_EQ(DecodeGameText(bytes), text) << bytes;
   }
 }
@@ -140,10 +115,8 @@ TEST(Text, Windows1252MapsEveryByteAndGameTextIsUtf8OrElseWindows1252) {
 TEST(Text, LinesSplitAtEveryLineEndAndTabsExpandToFourBlanks) {
   using Lines = std::vector<std::string>;
   EXPECT_EQ(SplitLines("a\r\nb\nc\rd"), (Lines{"a", "b", "c", "d"}));
-  EXPECT_EQ(SplitLines("a\n\nb\n"), (Lines{"a", "", "b"}));
-  EXPECT_EQ(SplitLines("a\r\rb"), (Lines{"a", "", "b"}));
+  EXPECT_EQ(SplitLines("a\r\rb\n"), (Lines{"a", "", "b"}));
   EXPECT_EQ(SplitLines("a\n\r"), (Lines{"a", ""}));
-  EXPECT_EQ(SplitLines("\n"), (Lines{""}));
   EXPECT_EQ(SplitLines(""), Lines{});
   EXPECT_EQ(ExpandTabs("\tmsg <a\tb>"), "    msg <a    b>");
 }

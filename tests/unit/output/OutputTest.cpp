@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "output/Output.h"
 #include "support/TestSupport.h"
@@ -14,118 +12,71 @@ using test::ReadFile;
 using test::TempDir;
 using test::TestGame;
 
-// What the pane received from one PrintText call, with its style markers.
-std::string Printed(TestGame& t, std::string_view text) {
-  t.host.styled.clear();
-  PrintText(t.game, text);
-  return t.host.styled;
-}
-
 void TurnOnOutputFile(TestGame& t, const std::string& path) {
   t.game.settings.output_file = true;
   t.game.settings.out_file = path;
 }
 
-TEST(PrintText, StyleCodesAndTheirEndCodes) {
+class OutputTest : public ::testing::Test {
+ protected:
+  // What the pane received from one PrintText call, with its style markers.
+  std::string Printed(std::string_view text) {
+    t.host.styled.clear();
+    PrintText(t.game, text);
+    return t.host.styled;
+  }
+
   TempDir dir;
-  TestGame t(dir);
-  EXPECT_EQ(Printed(t, "|bB|xb |uU|xu |iI|xi"), "{b}B{/b} {u}U{/u} {i}I{/i}\r\n");
-  EXPECT_EQ(Printed(t, "|crR|cbB|clL|cyY|cgG"),
+  TestGame t{dir};
+};
+
+TEST_F(OutputTest, StyleCodesAndTheirEndCodes) {
+  EXPECT_EQ(Printed("|bB|xb |uU|xu |iI|xi"), "{b}B{/b} {u}U{/u} {i}I{/i}\r\n");
+  EXPECT_EQ(Printed("|crR|cbB|clL|cyY|cgG"),
             "{colour:255,0,0}R{colour:0,0,0}B{colour:0,0,255}L{colour:255,255,0}Y"
             "{colour:0,128,0}G\r\n");
-  EXPECT_EQ(Printed(t, "|jcC|jrR|jlL|jx"), "{align:centre}C{align:right}R{align:left}Ljx\r\n");
+  EXPECT_EQ(Printed("|jcC|jrR|jlL|jx"), "{align:centre}C{align:right}R{align:left}Ljx\r\n");
   // End-bold and end-italic return to the player's default font, which may be bold or italic.
   t.game.settings.default_font_bold = true;
   t.game.settings.default_font_italic = true;
-  EXPECT_EQ(Printed(t, "|bB|xb|iI|xi|uU|xu"), "{b}B{b}{i}I{i}{u}U{/u}\r\n");
+  EXPECT_EQ(Printed("|bB|xb|iI|xi|uU|xu"), "{b}B{b}{i}I{i}{u}U{/u}\r\n");
   // No escape for a bar: the first is dropped and the second starts a code.
-  EXPECT_EQ(Printed(t, "||bx"), "{b}x\r\n");
+  EXPECT_EQ(Printed("||bx"), "{b}x\r\n");
+  EXPECT_EQ(Printed("x|c|bz"), "x{clear}{b}z\r\n");  // a clear code for any other letter
 }
 
-TEST(PrintText, LineEndsAndTheNoLineEndCode) {
-  TempDir dir;
-  TestGame t(dir);
-  EXPECT_EQ(Printed(t, ""), "\r\n");
-  EXPECT_EQ(Printed(t, "a|nb"), "a\r\nb\r\n");
-  EXPECT_EQ(Printed(t, "|xn"), "");
-  EXPECT_EQ(Printed(t, "a|xn|xn"), "axn");  // only the last three characters count
-  EXPECT_EQ(Printed(t, "|"), "\r\n");
-}
-
-TEST(PrintText, FontSizeCodeAlwaysTakesFourCharacters) {
-  TempDir dir;
-  TestGame t(dir);
+// The size code takes the four characters after the bar (the bar of a next code, a character of
+// two bytes, or fewer at the end of the text) and reads digits and one point only; no digits
+// give the default size.
+TEST_F(OutputTest, FontSizeCodeAlwaysTakesFourCharacters) {
   t.game.output.current_default_font_size = 8.25f;
-  EXPECT_EQ(Printed(t, "|s1Big"), "{size:1}ig\r\n");
-  EXPECT_EQ(Printed(t, "|s00|s 9|s.5"), "{size:8.25}{size:9}{size:0.5}\r\n");
-  EXPECT_EQ(Printed(t, "|sabc"), "{size:8.25}c\r\n");
-  EXPECT_EQ(Printed(t, "|s1|bx"), "{size:1}bx\r\n");       // the bar is one of the two characters
-  EXPECT_EQ(Printed(t, "|s1\xC3\xA9!"), "{size:1}!\r\n");  // characters, not bytes
-  // Cut short by the end of the text, the code takes what is there.
-  EXPECT_EQ(Printed(t, "x|s1"), "x{size:1}\r\n");
-  EXPECT_EQ(Printed(t, "x|s"), "x{size:8.25}\r\n");
+  const std::pair<const char*, const char*> cases[] = {
+      {"|s1Big", "{size:1}ig\r\n"},
+      {"|s00|s 9|s.5", "{size:8.25}{size:9}{size:0.5}\r\n"},
+      {"|s1|bx", "{size:1}bx\r\n"},
+      {"|s1\xC3\xA9!", "{size:1}!\r\n"},
+      {"x|s1", "x{size:1}\r\n"},
+      {"x|s", "x{size:8.25}\r\n"},
+      {"|s-5x|s+5y|s5-|s1.5", "{size:8.25}x{size:8.25}y{size:5}{size:1}5\r\n"},
+      {"|s..|s.9|s5e", "{size:8.25}{size:0.9}{size:5}\r\n"}};
+  for (const auto& [text, styled] : cases) EXPECT_EQ(Printed(text), styled) << text;
 }
 
-TEST(PrintText, FontSizeCodeReadsDigitsAndOnePointOnlyAndNoDigitsGiveTheDefault) {
-  TempDir dir;
-  TestGame t(dir);
-  t.game.output.current_default_font_size = 8.25f;
-  // A sign, a second point or a letter ends the number; "|s-5" and "|s+5" read no digits.
-  EXPECT_EQ(Printed(t, "|s-5x|s+5y|s5-|s1.5"), "{size:8.25}x{size:8.25}y{size:5}{size:1}5\r\n");
-  EXPECT_EQ(Printed(t, "|s..|s.9|s5e"), "{size:8.25}{size:0.9}{size:5}\r\n");
-}
-
-TEST(PrintText, ClearCodeEmptiesThePaneForAnyOtherLetterButNotTheFile) {
-  TempDir dir;
-  TestGame t(dir);
-  TurnOnOutputFile(t, dir.path() + "/out.txt");
-  StartGameOutput(t.game);
-  t.host.output.clear();
-  t.host.styled.clear();
-  PrintText(t.game, "abc|cdef");
-  EXPECT_EQ(t.host.output, "def\r\n");
-  EXPECT_EQ(t.host.styled, "abc{clear}def\r\n");
-  EXPECT_EQ(ReadFile(t.game.settings.out_file), "abcdef\r\n");
-  EXPECT_EQ(Printed(t, "x|c|bz"), "x{clear}{b}z\r\n");
-}
-
-TEST(PrintText, OverrideEffectsConsumesStyleCodesWithoutEffect) {
-  TempDir dir;
-  TestGame t(dir);
+TEST_F(OutputTest, OverrideEffectsConsumesStyleCodesWithoutEffect) {
   t.game.settings.override_effects = true;
-  EXPECT_EQ(Printed(t, "|bB|xb |uU|xu |iI|xi |crR|cbB|clL|cyY|cgG"), "B U I RBLYG\r\n");
-  EXPECT_EQ(Printed(t, "|s12a|jcb|nc|cd"), "{size:12}a{align:centre}b\r\nc{clear}d\r\n");
+  EXPECT_EQ(Printed("|bB|xb |uU|xu |iI|xi |crR|cbB|clL|cyY|cgG"), "B U I RBLYG\r\n");
+  EXPECT_EQ(Printed("|s12a|jcb|nc|cd"), "{size:12}a{align:centre}b\r\nc{clear}d\r\n");
 }
 
-TEST(PrintText, WaitCodeEndsTheLineWaitsForAKeyAndRepaints) {
-  TempDir dir;
-  TestGame t(dir);
+TEST_F(OutputTest, WaitCodeEndsTheLineWaitsForAKeyAndRepaints) {
   t.host.input = {"look"};
   PrintText(t.game, "one|wtwo");
-  EXPECT_EQ(t.host.output, "one\r\ntwo\r\n");
   EXPECT_EQ(t.host.waits, std::vector<std::string>{"one\r\n"});
   EXPECT_EQ(t.host.repaints, 1);
-  EXPECT_TRUE(t.host.input.empty());
   EXPECT_EQ(t.player.last_command(), "");  // the line was a key, not a command
 }
 
-TEST(PrintText, OutputOffReachesNeitherThePaneNorTheFileNorWaits) {
-  TempDir dir;
-  TestGame t(dir);
-  TurnOnOutputFile(t, dir.path() + "/out.txt");
-  StartGameOutput(t.game);
-  t.host.styled.clear();
-  t.game.output.enabled = false;
-  PrintText(t.game, "text|n|w|b|s12|jc|cmore");
-  PrintText(t.game, "");
-  EXPECT_EQ(t.host.styled, "");
-  EXPECT_EQ(ReadFile(t.game.settings.out_file), "");
-  EXPECT_TRUE(t.host.waits.empty());
-}
-
-TEST(OutputFonts, EmptyNamesZeroSizesAndOverrideAllFontsGiveTheDefaults) {
-  TempDir dir;
-  TestGame t(dir);
+TEST_F(OutputTest, EmptyFontNamesZeroSizesAndOverrideAllFontsGiveTheDefaults) {
   t.game.output.current_default_font_name = "Verdana";
   t.game.output.current_default_font_size = 10;
   SetOutputFont(t.game, "Arial");
@@ -141,9 +92,7 @@ TEST(OutputFonts, EmptyNamesZeroSizesAndOverrideAllFontsGiveTheDefaults) {
   EXPECT_EQ(t.host.styled, "{font:Verdana}{size:10}x\r\n");
 }
 
-TEST(WaitForKey, PromptsDisablesTheControlsAndNeverBlocksOnceInputHasEnded) {
-  TempDir dir;
-  TestGame t(dir);
+TEST_F(OutputTest, WaitForKeyPromptsDisablesTheControlsAndNeverBlocksOnceInputHasEnded) {
   t.host.input = {"key"};
   WaitForKey(t.game, "");
   WaitForKey(t.game, "<Turn the page|xn>");  // the input runs out here
@@ -184,9 +133,9 @@ TEST(OutputFile, SeparatorOnlyBeforeEarlierOutputAndTheGameFollowsTheHyphens) {
   EXPECT_EQ(ReadFile(empty), "Only\r\n");
 }
 
-TEST(OutputFile, FollowsTheSettingAndSurvivesAFileThatCannotBeOpened) {
-  TempDir dir;
-  TestGame t(dir);
+// The clear code empties the pane but not the file; with the output off nothing reaches either
+// and no code waits. A file that cannot be opened is the player/FileSafety test.
+TEST_F(OutputTest, OutputFileFollowsTheSettingAndKeepsClearedText) {
   const std::string path = dir.path() + "/out.txt";
   t.game.settings.out_file = path;
   StartGameOutput(t.game);
@@ -195,19 +144,18 @@ TEST(OutputFile, FollowsTheSettingAndSurvivesAFileThatCannotBeOpened) {
   PrintText(t.game, "not copied");
   EXPECT_FALSE(std::filesystem::exists(path));
   StartGameOutput(t.game);
-  PrintText(t.game, "copied");
+  t.host.output.clear();
+  t.host.styled.clear();
+  PrintText(t.game, "abc|cdef");
+  t.game.output.enabled = false;
+  PrintText(t.game, "text|n|w|b|s12|jc|cmore");
+  EXPECT_EQ(t.host.output, "def\r\n");
+  EXPECT_EQ(t.host.styled, "abc{clear}def\r\n");
+  EXPECT_TRUE(t.host.waits.empty());
+  t.game.output.enabled = true;
   t.game.settings.output_file = false;
   PrintText(t.game, "dropped");
-  EXPECT_EQ(ReadFile(path), "copied\r\n");
-
-  TestGame u(dir);
-  TurnOnOutputFile(u, dir.path() + "/no/such/folder/out.txt");
-  StartGameOutput(u.game);
-  PrintText(u.game, "shown");
-  EXPECT_EQ(u.host.output, "shown\r\n");
-  EXPECT_EQ(u.host.log, std::vector<std::string>{"Warning: Unable to open the output file " +
-                                                 u.game.settings.out_file +
-                                                 " - the game's text is not copied to it."});
+  EXPECT_EQ(ReadFile(path), "abcdef\r\n");
 }
 
 }  // namespace

@@ -38,61 +38,20 @@ class InventoryTest : public ::testing::Test {
   Game game{host};
 };
 
-TEST_F(InventoryTest, CollectablesAreReadFromTheirDeclarations) {
-  SetUpGame(
-      "  collectables <score num=10 [Score: !], gold dcoins = 2.5 [! coin*s*; so far]; "
-      "lives int=3, hidden num=0 [], plain=7>\n");
-  const std::vector<Collectable>& c = game.inventory.collectables;
-  ASSERT_EQ(c.size(), 5u);
-  EXPECT_EQ(c[0].name, "score");
-  EXPECT_EQ(c[0].type, "num");
-  EXPECT_EQ(c[0].amount, 10.0f);
-  EXPECT_EQ(c[0].display, "Score: !");
-  EXPECT_TRUE(c[0].flag);
-  // A type beginning with "d" loses the "d" and clears the flag; ";" inside the display text
-  // belongs to it.
-  EXPECT_EQ(c[1].name, "gold");
-  EXPECT_EQ(c[1].type, "coins");
-  EXPECT_FALSE(c[1].flag);
-  EXPECT_EQ(c[1].amount, 2.5f);
-  EXPECT_EQ(c[1].display, "! coin*s*; so far");
-  EXPECT_EQ(c[2].name, "lives");
-  EXPECT_EQ(c[2].amount, 3.0f);
-  EXPECT_EQ(c[2].display, "<def>");
-  EXPECT_EQ(c[3].display, "");
-  EXPECT_EQ(c[4].name, "plain");
-  EXPECT_EQ(c[4].type, "");
-  EXPECT_EQ(c[4].amount, 7.0f);
-
-  EXPECT_EQ(host.viewer, (std::vector<std::string>{"1/6 score=10", "2/6 gold=2.5", "3/6 lives=3",
-                                                   "4/6 hidden=0", "5/6 plain=7"}));
-  EXPECT_EQ(GetCollectableAmount(game, "gold"), 2.5f);
-  EXPECT_EQ(GetCollectableAmount(game, "Gold"), 0.0f);
-}
-
-TEST(CollectableText, ShowsTheDefaultTextTheDisplayOrNull) {
-  Collectable c;
-  c.name = "points";
-  c.amount = 2.5f;
-  EXPECT_EQ(CollectableText(c), "You have 2.5 points");
-  c.display = "";
-  EXPECT_EQ(CollectableText(c), "<null>");
-  c.display = "[! coin*s* and ! gem*s*]";
-  c.amount = 1;
-  EXPECT_EQ(CollectableText(c), "[1 coin and ! gem]");
-  c.amount = 3;
-  EXPECT_EQ(CollectableText(c), "[3 coins and ! gems]");
-  c.amount = 0;
-  EXPECT_EQ(CollectableText(c), "[0 coins and ! gems]");
-  c.display = "Stars: * (unclosed";
-  EXPECT_EQ(CollectableText(c), "Stars: * (unclosed");
-}
-
-TEST_F(InventoryTest, ThePanesAndTheViewerFollowEveryChange) {
+// What a player sees of items and collectables through the game's own text is the
+// world/inventory transcript; these are the window's panes and viewer. The collectables pane
+// leaves out a "d" collectable and one with an empty display; the viewer shows them all. In a
+// display only the first "!" takes the amount, and the text between two "*" is kept unless the
+// amount is 1.
+TEST_F(InventoryTest, ThePanesAndTheViewerShowTheDeclarationsAndFollowEveryChange) {
   SetUpGame(
       "  items <lamp, key>\n"
-      "  collectables <score num=10, bonus num=4 [Bonus: !], secret dnum=1, gone num=0 []>\n");
-  host.viewer.clear();
+      "  collectables <score num=10 [Score: !], gold coins = 2.5 [! coin*s*; so far]; "
+      "gems num=1 [! gem*s* and ! ring*s*], lives int=3, secret dnum=1, hidden num=0 [], "
+      "stars=7 [Stars: * (unclosed]>\n");
+  EXPECT_EQ(host.viewer,
+            (std::vector<std::string>{"1/8 score=10", "2/8 gold=2.5", "3/8 gems=1", "4/8 lives=3",
+                                      "5/8 secret=1", "6/8 hidden=0", "7/8 stars=7"}));
   ExecuteGive(game, "lamp");
   ExecuteGive(game, "key");
   EXPECT_EQ(host.items, "Items:\r\n    lamp\r\n    key");
@@ -100,21 +59,15 @@ TEST_F(InventoryTest, ThePanesAndTheViewerFollowEveryChange) {
   ExecuteLose(game, "key");
   EXPECT_EQ(host.items, "Items:\r\n    (no items)");
 
-  // The collectables pane leaves out a "d" collectable and one with an empty display; the
-  // viewer shows them all.
-  host.viewer.clear();
-  ExecuteSet(game, "score; =0.1");
-  ExecuteSet(game, "score; +0.2");
-  EXPECT_EQ(GetCollectableAmount(game, "score"), 0.1f + 0.2f);  // single precision
-  EXPECT_EQ(host.collectables, (std::vector<std::string>{"You have 0.3 score", "Bonus: 4"}));
-  EXPECT_EQ(host.viewer.size(), 8u);
-  EXPECT_EQ(host.viewer[4], "1/5 score=0.3");
-  EXPECT_EQ(host.viewer[7], "4/5 gone=0");
-
-  ExecuteSet(game, "bonus; =1e39");
-  EXPECT_EQ(GetCollectableAmount(game, "bonus"), 4.0f);
+  ExecuteSet(game, "score; =0.3");
+  EXPECT_EQ(host.collectables,
+            (std::vector<std::string>{"Score: 0.3", "2.5 coins; so far", "1 gem and ! ring",
+                                      "You have 3 lives", "Stars: * (unclosed"}));
+  EXPECT_EQ(host.viewer.back(), "7/8 stars=7");
+  ExecuteSet(game, "score; =1e39");
+  EXPECT_EQ(GetCollectableAmount(game, "score"), 0.3f);
   EXPECT_EQ(host.log,
-            std::vector<std::string>{"Error: Collectable amount out of range in bonus; =1e39"});
+            std::vector<std::string>{"Error: Collectable amount out of range in score; =1e39"});
 }
 
 }  // namespace
