@@ -79,71 +79,78 @@ class GameWindowTest : public testing::Test {
 
   // Runs `act` once the game waits for a key or a line, and makes sure the wait ends even when
   // `act` fails, so that no test hangs.
-  void DuringWait(std::function<void()> act) {
-    auto* poll = new QTimer(&window());
-    poll->setInterval(5);
-    QObject::connect(poll, &QTimer::timeout, &window(), [this, poll, act = std::move(act)] {
+  void DuringWait(std::function<void()> act, int tries = 6000) {
+    QTimer::singleShot(5, &window(), [this, act = std::move(act), tries] {
       if (!player_->waiting_for_key() && !player_->waiting_for_line()) {
-        if (poll->property("tries").toInt() > 6000) {
-          poll->stop();
-          ADD_FAILURE() << "the game never waited";
-        }
-        poll->setProperty("tries", poll->property("tries").toInt() + 1);
+        if (tries > 0) return DuringWait(act, tries - 1);
+        ADD_FAILURE() << "the game never waited";
         return;
       }
-      poll->stop();
       act();
       QTimer::singleShot(5000, &window(), [this] {
         if (!player_->waiting_for_key() && !player_->waiting_for_line()) return;
         ADD_FAILURE() << "the wait did not end";
-        if (player_->waiting_for_key()) player_->KeyPressed();
+        player_->KeyPressed();
         if (player_->waiting_for_line()) player_->SubmitCommand("ended by the test");
       });
     });
-    poll->start();
   }
 
-  // The format of the first piece of the pane's text that holds `word`.
-  QTextCharFormat FormatOf(const QString& word) {
+  // How the first piece of the pane's text that holds `word` looks: b, i and u for bold, italic
+  // and underlined, its colour, size and face, and l or c for its line's alignment.
+  std::string Look(const QString& word) {
     const QTextDocument* document = window().txtOutput()->document();
     for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
       for (auto it = block.begin(); !it.atEnd(); ++it) {
-        if (it.fragment().text().contains(word)) return it.fragment().charFormat();
+        if (!it.fragment().text().contains(word)) continue;
+        const QTextCharFormat format = it.fragment().charFormat();
+        return QStringLiteral("%1%2%3 %4 %5 %6 %7")
+            .arg(format.fontWeight() == QFont::Bold ? "b" : "", format.fontItalic() ? "i" : "",
+                 format.fontUnderline() ? "u" : "", format.foreground().color().name(),
+                 QString::number(format.fontPointSize()),
+                 format.fontFamilies().toStringList().join(','),
+                 block.blockFormat().alignment() == Qt::AlignHCenter ? "c" : "l")
+            .toStdString();
       }
     }
-    ADD_FAILURE() << "no text " << word.toStdString() << " in the pane";
-    return {};
+    return "no text " + word.toStdString();
   }
 
-  Qt::Alignment AlignmentOf(const QString& word) {
-    const QTextDocument* document = window().txtOutput()->document();
-    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
-      if (block.text().contains(word)) return block.blockFormat().alignment();
-    }
-    ADD_FAILURE() << "no line " << word.toStdString() << " in the pane";
-    return {};
-  }
-
-  // Which of the direction buttons are enabled, as 1s and 0s.
-  std::string DirectionsEnabled() {
+  // Which of these are enabled, as 1s and 0s: the command box, Run, the list, the menu entries
+  // Save, Load, Restart, Game Info and Different Game; then the ten direction buttons.
+  std::string Enabled() {
+    frmMain& w = window();
     std::string letters;
-    for (int i = 0; i < 10; ++i) letters += window().butDir(i)->isEnabled() ? '1' : '0';
+    for (bool on :
+         {w.txtCommand()->isEnabled(), w.butExecute()->isEnabled(), w.lstObjects()->isEnabled(),
+          w.mnuSave()->isEnabled(), w.mnuLoad()->isEnabled(), w.mnuRestart()->isEnabled(),
+          w.mnuGameInfo()->isEnabled(), w.mnuDifferentGame()->isEnabled()}) {
+      letters += on ? '1' : '0';
+    }
+    letters += ' ';
+    for (int i = 0; i < 10; ++i) letters += w.butDir(i)->isEnabled() ? '1' : '0';
     return letters;
   }
 
-  // Chooses `thing` in the list and tells which action buttons then show.
-  std::vector<int> Choose(const QString& thing) {
+  // Chooses `thing` in the list (nothing when empty) and tells which action buttons then show.
+  std::vector<int> Choose(const QString& thing = {}) {
     const QList<QListWidgetItem*> found = window().lstObjects()->findItems(thing, Qt::MatchExactly);
-    EXPECT_EQ(found.size(), 1) << thing.toStdString();
-    if (!found.isEmpty()) window().lstObjects()->setCurrentItem(found.front());
-    return VisibleActionButtons();
-  }
-  std::vector<int> VisibleActionButtons() {
+    if (!thing.isEmpty()) {
+      EXPECT_EQ(found.size(), 1) << thing.toStdString();
+      if (!found.isEmpty()) window().lstObjects()->setCurrentItem(found.front());
+    }
     std::vector<int> shown;
     for (int i = 0; i < 4; ++i) {
       if (!window().butDo(i)->isHidden()) shown.push_back(i);
     }
     return shown;
+  }
+
+  // w, l and g for a shown game window, a shown launcher and an open game.
+  std::string Shown() {
+    return {window().isVisible() ? 'w' : '-',
+            host_.launcher() != nullptr && host_.launcher()->isVisible() ? 'l' : '-',
+            player_->game_open() ? 'g' : '-'};
   }
 
   DesktopHost host_;
@@ -154,76 +161,59 @@ class GameWindowTest : public testing::Test {
 TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
   Open();
   QLineEdit* box = window().txtCommand();
+  const auto key = [box](Qt::Key pressed, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(box, pressed, modifiers);
+    return box->text();
+  };
   EXPECT_EQ(window().windowTitle(), QStringLiteral("Tarve 2.17 - \"Window Test\""));
-  EXPECT_FALSE(window().mnuUndo()->isEnabled());
-
-  // F12 before any command gives an empty box; after one, the last command.
   QTest::keyClicks(box, QStringLiteral("xyz"));
-  QTest::keyClick(box, Qt::Key_F12);
-  EXPECT_EQ(box->text(), QString());
+  EXPECT_EQ(key(Qt::Key_F12), QString()) << "no command yet";
   Type(QStringLiteral("look"));
   EXPECT_EQ(box->text(), QString()) << "a command leaves the box empty";
   EXPECT_FALSE(window().mnuUndo()->isEnabled()) << "a look changes nothing";
   Type(QStringLiteral("styles"));
   QTest::keyClicks(box, QStringLiteral("dra"));
-  QTest::keyClick(box, Qt::Key_F12);
-  EXPECT_EQ(box->text(), QStringLiteral("styles"));
+  EXPECT_EQ(key(Qt::Key_F12), QStringLiteral("styles"));
   EXPECT_EQ(box->cursorPosition(), 6);
-  QTest::keyClick(box, Qt::Key_F11);
-  EXPECT_EQ(box->text(), QString());
-
+  EXPECT_EQ(key(Qt::Key_F11), QString());
   // Up and Down walk through the session's commands and back to what was being typed.
   QTest::keyClicks(box, QStringLiteral("dra"));
-  QTest::keyClick(box, Qt::Key_Up);
-  EXPECT_EQ(box->text(), QStringLiteral("styles"));
-  QTest::keyClick(box, Qt::Key_Up);
-  QTest::keyClick(box, Qt::Key_Up);
-  EXPECT_EQ(box->text(), QStringLiteral("look"));
+  EXPECT_EQ(key(Qt::Key_Up), QStringLiteral("styles"));
+  key(Qt::Key_Up);
+  EXPECT_EQ(key(Qt::Key_Up), QStringLiteral("look"));
   EXPECT_EQ(box->cursorPosition(), 4);
-  QTest::keyClick(box, Qt::Key_Down);
-  QTest::keyClick(box, Qt::Key_Down);
-  EXPECT_EQ(box->text(), QStringLiteral("dra"));
-
+  key(Qt::Key_Down);
+  EXPECT_EQ(key(Qt::Key_Down), QStringLiteral("dra"));
   // Enter or Run on an empty box prints nothing.
   box->clear();
   const QString before = Output();
-  QTest::keyClick(box, Qt::Key_Return);
+  key(Qt::Key_Return);
   window().butExecute()->click();
   EXPECT_EQ(Output(), before);
 
   // While a move can be taken back, Ctrl+Z takes it back; then it is the box's own again.
   Type(QStringLiteral("north"));
   EXPECT_TRUE(window().mnuUndo()->isEnabled());
-  ASSERT_EQ(Location(), QStringLiteral("Garden"));
   EXPECT_FALSE(window().butDir(0)->isEnabled());
   QTest::keyClicks(box, QStringLiteral("half typed"));
-  QTest::keyClick(box, Qt::Key_Z, Qt::ControlModifier);
+  key(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(Location(), QStringLiteral("Hall"));
   EXPECT_TRUE(window().butDir(0)->isEnabled());
-  EXPECT_TRUE(Output().contains(QStringLiteral("Undone: north")));
   EXPECT_FALSE(window().mnuUndo()->isEnabled());
-  QTest::keyClick(box, Qt::Key_Z, Qt::ControlModifier);
+  key(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(Location(), QStringLiteral("Hall"));
 
-  // A key wait disables the controls; any key ends it.
-  bool checked = false;
+  // A key wait disables the controls; any key, Enter (which runs nothing) or a click in the
+  // text ends it.
+  std::string during;
   DuringWait([&] {
-    checked = true;
-    EXPECT_FALSE(Output().contains(QStringLiteral("After the key.")));
-    EXPECT_FALSE(box->isEnabled());
-    EXPECT_FALSE(window().butExecute()->isEnabled());
-    EXPECT_FALSE(window().butDir(0)->isEnabled());
-    EXPECT_FALSE(window().mnuSave()->isEnabled());
-    EXPECT_FALSE(window().mnuRestart()->isEnabled());
+    during = Enabled();
     PressKey(&window(), Qt::Key_X);
   });
   Type(QStringLiteral("pause"));
-  EXPECT_TRUE(checked);
-  EXPECT_TRUE(Output().contains(QStringLiteral("After the key.")));
-  EXPECT_TRUE(window().butDir(0)->isEnabled());
-  EXPECT_TRUE(window().mnuSave()->isEnabled());
+  EXPECT_EQ(during, "00000000 0000000000");
+  EXPECT_EQ(Enabled(), "11111111 1000111000");
   EXPECT_TRUE(box->hasFocus());
-  // Enter ends the wait and the text in the box is not run; so does a click in the text.
   DuringWait([&] {
     box->setText(QStringLiteral("win"));
     PressKey(&window(), Qt::Key_Return);
@@ -236,23 +226,19 @@ TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
 
   // A line wait takes the next line typed into the box, with only the box enabled.
   DuringWait([&] {
-    EXPECT_TRUE(box->isEnabled());
-    EXPECT_FALSE(window().butExecute()->isEnabled());
-    EXPECT_FALSE(window().mnuLoad()->isEnabled());
+    during = Enabled();
     Type(QStringLiteral("blue"));
   });
   Type(QStringLiteral("ask"));
   Type(QStringLiteral("answer"));
+  EXPECT_EQ(during, "10000000 0000000000");
   EXPECT_TRUE(Output().contains(QStringLiteral("You said blue.")));
-
 }
 
 TEST_F(GameWindowTest, StartScriptsWaitInTheShownWindow) {
   bool waited = false;
   DuringWait([&] {
-    waited = true;
-    EXPECT_TRUE(window().isVisible());
-    EXPECT_TRUE(Output().contains(QStringLiteral("Before the wait.")));
+    waited = window().isVisible();
     PressKey(&window(), Qt::Key_Space);
   });
   ASSERT_TRUE(player_->OpenGame(std::string(TARVE_TEST_GAMES) + "/desktop/startwait.gwl"));
@@ -262,28 +248,17 @@ TEST_F(GameWindowTest, StartScriptsWaitInTheShownWindow) {
 
 TEST_F(GameWindowTest, PaneShowsTheStylesZoomsAndAnnouncesEachTurn) {
   Open();
-  Type(QStringLiteral("styles"));
-  Type(QStringLiteral("centre"));
-  EXPECT_EQ(FormatOf(QStringLiteral("Bold")).fontWeight(), QFont::Bold);
-  EXPECT_TRUE(FormatOf(QStringLiteral("Italic")).fontItalic());
-  EXPECT_NE(FormatOf(QStringLiteral("Italic")).fontWeight(), QFont::Bold);
-  EXPECT_TRUE(FormatOf(QStringLiteral("Under")).fontUnderline());
-  EXPECT_FALSE(FormatOf(QStringLiteral("Under")).fontItalic());
-  EXPECT_EQ(FormatOf(QStringLiteral("Red")).foreground().color(), QColor(255, 0, 0));
-  EXPECT_EQ(FormatOf(QStringLiteral("Blue")).foreground().color(), QColor(0, 0, 255));
-  EXPECT_DOUBLE_EQ(FormatOf(QStringLiteral("Big")).fontPointSize(), 14.0);
-  // Plain text has the player's default colour, face and size, from the settings.
-  const QTextCharFormat plain = FormatOf(QStringLiteral("A plain hall"));
-  EXPECT_EQ(plain.foreground().color(), QColor(0, 0, 0));
-  EXPECT_DOUBLE_EQ(plain.fontPointSize(), 8.25);
-  EXPECT_EQ(plain.fontFamilies().toStringList(), QStringList{QStringLiteral("Courier New")});
-  Type(QStringLiteral("left"));
-  Type(QStringLiteral("look"));
-  EXPECT_EQ(AlignmentOf(QStringLiteral("> centre")), Qt::AlignLeft);
-  EXPECT_EQ(AlignmentOf(QStringLiteral("Middle")), Qt::AlignHCenter);
-  // A new line keeps the alignment of the line before it, until a code changes its own.
-  EXPECT_EQ(AlignmentOf(QStringLiteral("> left")), Qt::AlignHCenter);
-  EXPECT_EQ(AlignmentOf(QStringLiteral("> look")), Qt::AlignLeft);
+  for (const char* command : {"styles", "centre", "left", "look"}) Type(command);
+  // Plain text has the player's default colour, face and size, from the settings. A new line
+  // keeps the alignment of the line before it, until a code changes its own.
+  const std::vector<std::pair<QString, std::string>> looks = {
+      {"Bold", "b #000000 8.25 Courier New l"},       {"Italic", "i #000000 8.25 Courier New l"},
+      {"Under", "u #000000 8.25 Courier New l"},      {"Red", " #ff0000 8.25 Courier New l"},
+      {"Blue", " #0000ff 8.25 Courier New l"},        {"Big", " #000000 14 Courier New l"},
+      {"> centre", " #000000 8.25 Courier New l"},    {"Middle", " #000000 8.25 Courier New c"},
+      {"> left", " #000000 8.25 Courier New c"},      {"> look", " #000000 8.25 Courier New l"},
+      {"A plain hall", " #000000 8.25 Courier New l"}};
+  for (const auto& [word, look] : looks) EXPECT_EQ(Look(word), look) << word.toStdString();
   // Lines end with paragraph breaks, not with stray characters.
   EXPECT_TRUE(Output().contains(QStringLiteral("\n> styles\nBold Italic Under Red Blue")));
   EXPECT_FALSE(Output().contains(QChar(u'\r')));
@@ -292,7 +267,7 @@ TEST_F(GameWindowTest, PaneShowsTheStylesZoomsAndAnnouncesEachTurn) {
   QTest::keyClick(window().txtCommand(), Qt::Key_Plus, Qt::ControlModifier);
   QTest::keyClick(window().txtCommand(), Qt::Key_Plus, Qt::ControlModifier);
   EXPECT_EQ(window().txtOutput()->zoom(), 2);
-  EXPECT_DOUBLE_EQ(FormatOf(QStringLiteral("Big")).fontPointSize(), 14.0 * 1.2);
+  EXPECT_EQ(Look(QStringLiteral("Big")), " #000000 16.8 Courier New l");
   EXPECT_EQ(player_->settings_store().Read("Options", "PaneZoom"), "2");
   Type(QStringLiteral("styles"));
   EXPECT_DOUBLE_EQ(window().txtOutput()->CurrentFontSize(), 8.25);
@@ -301,7 +276,7 @@ TEST_F(GameWindowTest, PaneShowsTheStylesZoomsAndAnnouncesEachTurn) {
   EXPECT_EQ(second.txtOutput()->zoom(), 2);
   QTest::keyClick(window().txtCommand(), Qt::Key_Minus, Qt::ControlModifier);
   QTest::keyClick(window().txtCommand(), Qt::Key_Minus, Qt::ControlModifier);
-  EXPECT_DOUBLE_EQ(FormatOf(QStringLiteral("Big")).fontPointSize(), 14.0);
+  EXPECT_EQ(Look(QStringLiteral("Big")), " #000000 14 Courier New l");
 
   // Every control a player can reach has a name for a screen reader.
   for (QWidget* widget : window().findChildren<QWidget*>()) {
@@ -323,11 +298,10 @@ TEST_F(GameWindowTest, PaneShowsTheStylesZoomsAndAnnouncesEachTurn) {
   QApplication::processEvents();
   ASSERT_EQ(added.size(), 1);
   EXPECT_TRUE(added.front().contains(QStringLiteral("> look\nYou are in Hall.")));
-  EXPECT_TRUE(added.front().contains(QStringLiteral("A plain hall.")));
+  EXPECT_TRUE(added.front().endsWith(QStringLiteral("A plain hall.\n")));
   // Without a speech engine the option says so and stays off.
   if (!window().SpeechAvailable()) {
-    EXPECT_FALSE(window().mnuReadAloud()->isEnabled());
-    EXPECT_FALSE(window().mnuReadAloud()->isChecked());
+    EXPECT_FALSE(window().mnuReadAloud()->isEnabled() || window().mnuReadAloud()->isChecked());
     EXPECT_TRUE(window().mnuReadAloud()->text().contains(QStringLiteral("no speech engine")));
   }
 }
@@ -335,22 +309,20 @@ TEST_F(GameWindowTest, PaneShowsTheStylesZoomsAndAnnouncesEachTurn) {
 TEST_F(GameWindowTest, ButtonsListsViewersAndMenusFollowTheGame) {
   Open();
   // Direction buttons: north, out, help and northeast in the hall.
-  EXPECT_EQ(DirectionsEnabled(), "1000111000");
   QTest::mouseClick(window().butDir(0), Qt::LeftButton);
-  EXPECT_TRUE(Output().contains(QStringLiteral("> north\n")));
   EXPECT_EQ(Location(), QStringLiteral("Garden"));
-  EXPECT_EQ(DirectionsEnabled(), "0110010000");  // south and west
+  EXPECT_EQ(Enabled(), "11111111 0110010000");  // south and west
   EXPECT_TRUE(window().Timer1()->isActive()) << "a new room lights the label up";
   QTest::mouseClick(window().butDir(1), Qt::LeftButton);
   QTest::mouseClick(window().butDir(6), Qt::LeftButton);
-  EXPECT_EQ(DirectionsEnabled(), "0000010001");  // southwest only
+  EXPECT_EQ(Enabled(), "11111111 0000010001");  // southwest only
   window().butDir(5)->click();
   EXPECT_TRUE(Output().contains(QStringLiteral("> help")));
   window().butDir(9)->click();
 
   // Action buttons show per kind of entry and act on it.
   ASSERT_EQ(window().lstObjects()->count(), 3);
-  EXPECT_TRUE(VisibleActionButtons().empty()) << "nothing is chosen yet";
+  EXPECT_TRUE(Choose().empty()) << "nothing is chosen yet";
   EXPECT_EQ(Choose(QStringLiteral("Butler")), (std::vector<int>{1, 2}));
   EXPECT_EQ(window().butDo(2)->accessibleName(), QStringLiteral("Speak to Butler"));
   window().butDo(2)->click();
@@ -360,53 +332,45 @@ TEST_F(GameWindowTest, ButtonsListsViewersAndMenusFollowTheGame) {
   EXPECT_TRUE(window().txtItems()->toPlainText().contains(QStringLiteral("lamp")));
   // With the inventory shown come the collectables; a choice answered in its dialog scores.
   ASSERT_EQ(window().lstCollectables()->count(), 1);
-  EXPECT_EQ(window().lstCollectables()->item(0)->text(), QStringLiteral("Score: 0"));
   WhenOpens<frmSelection>([](frmSelection* selection) { selection->butOK()->click(); });
   Type(QStringLiteral("pick"));
   EXPECT_EQ(window().lstCollectables()->item(0)->text(), QStringLiteral("Score: 5"));
   EXPECT_EQ(Choose(QStringLiteral("Kitchen")), (std::vector<int>{0, 1}));
   window().butDo(0)->click();
   EXPECT_TRUE(Output().contains(QStringLiteral("Pots and pans.")));
-  EXPECT_TRUE(VisibleActionButtons().empty()) << "a new room's list has nothing chosen";
+  EXPECT_TRUE(Choose().empty()) << "a new room's list has nothing chosen";
 
   // The log window and the viewers.
   window().mnuViewLog()->trigger();
   frmGWLLog* log = window().LogWindow();
-  EXPECT_TRUE(log->isVisible());
-  EXPECT_TRUE(window().mnuViewLog()->isChecked());
+  EXPECT_TRUE(log->isVisible() && window().mnuViewLog()->isChecked());
   EXPECT_TRUE(log->txtLog()->toPlainText().contains(QStringLiteral("Finished loading file.")));
   log->close();
-  EXPECT_FALSE(window().mnuViewLog()->isChecked());
-  EXPECT_FALSE(player_->log_window_visible());
-  window().mnuViewVariables(VariableStore::kString)->trigger();
-  frmStringVariables* viewer = window().VariablesWindow(VariableStore::kString);
-  ASSERT_NE(viewer, nullptr);
-  EXPECT_EQ(viewer->windowTitle(), QStringLiteral("String variables"));
+  EXPECT_FALSE(window().mnuViewLog()->isChecked() || player_->log_window_visible());
+  // Each viewer has its caption and follows the game: "set" makes colour blue.
+  const std::pair<VariableStore, QString> viewers[] = {
+      {VariableStore::kString, "String variables|colour|blue"},
+      {VariableStore::kNumeric, "Numeric variables||"},
+      {VariableStore::kCollectable, "Collectables|score|5"}};
+  for (const auto& [store, shown] : viewers) window().mnuViewVariables(store)->trigger();
   Type(QStringLiteral("set"));
-  QTableWidget* grid = viewer->grdVariables();
-  const QList<QTableWidgetItem*> found =
-      grid->findItems(QStringLiteral("colour"), Qt::MatchExactly);
-  ASSERT_EQ(found.size(), 1);
-  EXPECT_EQ(grid->item(found.front()->row(), 1)->text(), QStringLiteral("blue"));
-  window().mnuViewVariables(VariableStore::kNumeric)->trigger();
-  ASSERT_NE(window().VariablesWindow(VariableStore::kNumeric), nullptr);
-  EXPECT_EQ(window().VariablesWindow(VariableStore::kNumeric)->windowTitle(),
-            QStringLiteral("Numeric variables"));
-  window().mnuViewVariables(VariableStore::kCollectable)->trigger();
-  frmStringVariables* collectables = window().VariablesWindow(VariableStore::kCollectable);
-  ASSERT_NE(collectables, nullptr);
-  EXPECT_EQ(collectables->windowTitle(), QStringLiteral("Collectables"));
-  EXPECT_EQ(
-      collectables->grdVariables()->findItems(QStringLiteral("score"), Qt::MatchExactly).size(), 1);
+  for (const auto& [store, shown] : viewers) {
+    const frmStringVariables* viewer = window().VariablesWindow(store);
+    ASSERT_NE(viewer, nullptr);
+    const QTableWidget* grid = viewer->grdVariables();
+    const auto cell = [grid](int column) {
+      const QTableWidgetItem* item = grid->item(grid->rowCount() - 1, column);
+      return item != nullptr ? item->text() : QString();
+    };
+    EXPECT_EQ(viewer->windowTitle() + "|" + cell(0) + "|" + cell(1), shown);
+  }
   window().mnuGameInfo()->trigger();
   EXPECT_TRUE(Output().contains(QStringLiteral("> about")));
 
   // Pictures open the picture window, or a note in the log.
   QTemporaryDir folder;
   const QString path = folder.filePath(QStringLiteral("map.png"));
-  QImage picture(64, 48, QImage::Format_RGB32);
-  picture.fill(Qt::darkGreen);
-  ASSERT_TRUE(picture.save(path));
+  ASSERT_TRUE(QImage(64, 48, QImage::Format_RGB32).save(path));
   services_.ShowPicture(path.toStdString());
   ASSERT_NE(services_.PictureWindow(), nullptr);
   EXPECT_TRUE(services_.PictureWindow()->isVisible());
@@ -424,15 +388,7 @@ TEST_F(GameWindowTest, ButtonsListsViewersAndMenusFollowTheGame) {
 
   // Game over leaves only loading, restarting and leaving.
   Type(QStringLiteral("win"));
-  EXPECT_FALSE(window().txtCommand()->isEnabled());
-  EXPECT_FALSE(window().butExecute()->isEnabled());
-  EXPECT_FALSE(window().butDir(5)->isEnabled());
-  EXPECT_FALSE(window().lstObjects()->isEnabled());
-  EXPECT_FALSE(window().mnuSave()->isEnabled());
-  EXPECT_FALSE(window().mnuGameInfo()->isEnabled());
-  EXPECT_TRUE(window().mnuLoad()->isEnabled());
-  EXPECT_TRUE(window().mnuRestart()->isEnabled());
-  EXPECT_TRUE(window().mnuDifferentGame()->isEnabled());
+  EXPECT_EQ(Enabled(), "00001101 0000000000");
   EXPECT_TRUE(window().lblStatus()->text().startsWith(QStringLiteral("GAME OVER")));
 }
 
@@ -456,10 +412,7 @@ TEST_F(GameWindowTest, SavingLoadingAndRestartingAskWhereTheyShould) {
   window().butDir(0)->click();
   bool asked = false;
   QTimer::singleShot(50, [&] {
-    if (QWidget* modal = QApplication::activeModalWidget()) {
-      asked = true;
-      modal->close();
-    }
+    if (QWidget* modal = QApplication::activeModalWidget()) asked = modal->close();
   });
   window().mnuSave()->trigger();
   EXPECT_FALSE(asked);
@@ -487,42 +440,29 @@ TEST_F(GameWindowTest, SavingLoadingAndRestartingAskWhereTheyShould) {
 
 TEST_F(GameWindowTest, LeavingTheGameAsksAndGoesBackToTheLauncher) {
   // Without a game the launcher opens; a game chosen there takes its place.
-  Player::StartOptions start;
-  start.seed = 1;
-  EXPECT_EQ(player_->Start("", start), Player::Started::kLauncher);
+  EXPECT_EQ(player_->Start("", {}), Player::Started::kLauncher);
   ASSERT_NE(host_.launcher(), nullptr);
-  EXPECT_TRUE(host_.launcher()->isVisible());
-  EXPECT_FALSE(window().isVisible());
+  EXPECT_EQ(Shown(), "-l-");
   emit host_.launcher()->playGame(QString::fromStdString(kWindowGame));
-  EXPECT_TRUE(player_->game_open());
-  EXPECT_TRUE(window().isVisible());
-  EXPECT_FALSE(host_.launcher()->isVisible());
-
+  EXPECT_EQ(Shown(), "w-g");
   // Closing the window asks; No keeps the game.
   QString text;
   AnswerMessage(false, &text);
   EXPECT_FALSE(window().close());
   EXPECT_EQ(text, QStringLiteral("Do you really want to exit this game?"));
-  EXPECT_TRUE(window().isVisible());
-  EXPECT_TRUE(player_->game_open());
-
+  EXPECT_EQ(Shown(), "w-g");
   // Yes, even during a wait, ends the wait and the game, and the launcher comes back.
   DuringWait([&] {
     AnswerMessage(true);
     EXPECT_TRUE(window().close());
   });
   Type(QStringLiteral("pause"));  // returns: the wait ended with the game
-  EXPECT_FALSE(window().isVisible());
-  EXPECT_FALSE(player_->game_open());
-  EXPECT_TRUE(host_.launcher()->isVisible());
-
+  EXPECT_EQ(Shown(), "-l-");
   // Leaving for a different game comes back to the same launcher; leaving it ends the program.
   emit host_.launcher()->playGame(QString::fromStdString(kWindowGame));
-  ASSERT_TRUE(window().isVisible());
   AnswerMessage(true);
   window().mnuDifferentGame()->trigger();
-  EXPECT_FALSE(window().isVisible());
-  EXPECT_TRUE(host_.launcher()->isVisible());
+  EXPECT_EQ(Shown(), "-l-");
   EXPECT_FALSE(host_.ending());
   host_.launcher()->butExit()->click();
   EXPECT_TRUE(host_.ending());
