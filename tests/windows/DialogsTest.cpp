@@ -1,12 +1,6 @@
 // The message boxes and the choice menu: which box ShowMessage opens, the buttons of the
 // program's own box, its Y and N keys and the answer each way out gives; what the choice menu
 // offers, how the player confirms and what closing it gives.
-#include <gtest/gtest.h>
-
-#include <QLabel>
-#include <QRadioButton>
-#include <string>
-#include <vector>
 
 #include "WindowTestSupport.h"
 #include "player/windows/MessageBoxes.h"

@@ -1,18 +1,6 @@
 // The game window with the real application and a small test game: the command box and its
 // keys, waits and Undo, the pane's styled text and zoom, the buttons, lists and viewers, the
 // menus, closing the window and the launcher it goes back to.
-#include <gtest/gtest.h>
-
-#include <QFile>
-#include <QFileDialog>
-#include <QImage>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QTableWidget>
-#include <QTemporaryDir>
-#include <QTextBlock>
-#include <memory>
 
 #include "WindowTestSupport.h"
 #include "desktop/DesktopHost.h"

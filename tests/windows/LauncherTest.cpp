@@ -1,20 +1,6 @@
 // The launcher and its list editor: the help line under the pointer, the installed games on
 // their buttons and scroll bar, Browse with Add and AutoInstall and their error boxes, the
 // requests the launcher hands to the program, and the edited list written back.
-#include <gtest/gtest.h>
-
-#include <QGroupBox>
-#include <QLabel>
-#include <QListWidget>
-#include <QScrollBar>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <deque>
-#include <fstream>
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "WindowTestSupport.h"
 #include "game/Game.h"

@@ -1,19 +1,6 @@
 // The options window and its editor of the custom file types: what the controls show when the
 // window opens, every key that OK writes, the default files, Cancel, the pages and the sample
 // message box.
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QFontDatabase>
-#include <QFontDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QRadioButton>
-#include <QTemporaryDir>
-#include <string>
-#include <tuple>
-#include <vector>
 
 #include "WindowTestSupport.h"
 #include "base/Numbers.h"
@@ -29,6 +16,13 @@ std::vector<QString> Entries(const QListWidget* list) {
   std::vector<QString> entries;
   for (int i = 0; i < list->count(); ++i) entries.push_back(list->item(i)->text());
   return entries;
+}
+
+// Which of `buttons` are ticked, as 1s and 0s.
+std::string Ticks(std::initializer_list<const QAbstractButton*> buttons) {
+  std::string ticks;
+  for (const QAbstractButton* button : buttons) ticks += button->isChecked() ? '1' : '0';
+  return ticks;
 }
 
 class OptionsWindowTest : public ::testing::Test {
@@ -49,15 +43,13 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
   settings = ReadSettings(store);
 
   frmOptions options(settings, store, nullptr, data.path().toStdString());
-  EXPECT_TRUE(options.chkLogScriptErrors()->isChecked());
+  EXPECT_EQ(Ticks({options.chkLogScriptErrors(), options.chkOutputToFile(), options.optNoExts(),
+                   options.chkSpecialMsgBox(), options.chkDetailedLook(),
+                   options.chkCustomSecurityIsDisallow()}),
+            "101111");
   EXPECT_EQ(options.txtLogFileName()->text(), QStringLiteral("/old/errors.log"));
-  EXPECT_FALSE(options.chkOutputToFile()->isChecked());
-  EXPECT_FALSE(options.txtOutputFileName()->isEnabled());  // a name only goes with its switch
-  EXPECT_TRUE(options.optNoExts()->isChecked());
-  EXPECT_FALSE(options.butEditShellExts()->isEnabled());
-  EXPECT_TRUE(options.chkSpecialMsgBox()->isChecked());
-  EXPECT_TRUE(options.chkDetailedLook()->isChecked());
-  EXPECT_TRUE(options.chkCustomSecurityIsDisallow()->isChecked());
+  // A name or a list only goes with its switch.
+  EXPECT_FALSE(options.txtOutputFileName()->isEnabled() || options.butEditShellExts()->isEnabled());
   EXPECT_EQ(options.txtLabelForeground()->text(), QStringLiteral("112233"));
   EXPECT_EQ(options.lblFontSample()->text(), QStringLiteral("Courier New, 8.25 pt"));
 
@@ -107,35 +99,35 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
 
   options.butOK()->click();
   EXPECT_EQ(options.result(), QDialog::Accepted);
-  const std::vector<std::tuple<std::string, std::string, std::string>> expected = {
-      {"Options", "LogErrors", "No"},
-      {"Options", "LogFile", "/old/errors.log"},
-      {"Options", "OutputFile", "Yes"},
-      {"Options", "OutFile", "/logs/game.txt"},
-      {"Options", "SpecialMsgBox", "No"},
-      {"Options", "AutoInstall", "Yes"},
-      {"Options", "DetailedLook", "No"},
-      {"Options", "DefaultFontName", picked.family().toStdString()},
-      {"Options", "DefaultFontSize", FormatSingle(static_cast<float>(picked.pointSizeF()))},
-      {"Options", "DefaultFontBold", picked.bold() ? "Yes" : "No"},
-      {"Options", "DefaultFontItalic", picked.italic() ? "Yes" : "No"},
-      {"Options", "OverrideGameDefaultFont", "Yes"},
-      {"Options", "OverrideAllFonts", "Yes"},
-      {"Options", "OverrideEffects", "Yes"},
-      {"Options", "LabelForegroundColour", "00FF00"},
-      {"Options", "LabelBackgroundColour", "101010"},
-      {"Security", "SecurityType", "3"},
-      {"Security", "ZeroSecurityInstalledGames", "Yes"},
-      {"Security", "NumberCustomSecurity", "4"},
-      {"Security", "CustomSecurityIsDisallow", "No"},
-      {"Security", "CustomSecurity1", "EXE"},
-      {"Security", "CustomSecurity2", "COM"},
-      {"Security", "CustomSecurity3", "DOC"},
-      {"Security", "CustomSecurity4", "TXT"}};
-  for (const auto& [section, key, value] : expected) {
-    EXPECT_EQ(store.Read(section, key), value) << section << "/" << key;
-  }
-  EXPECT_EQ(store.Size(), expected.size());
+  const std::string font = picked.family().toStdString(),
+                    size = FormatSingle(static_cast<float>(picked.pointSizeF())),
+                    bold = picked.bold() ? "Yes" : "No", italic = picked.italic() ? "Yes" : "No";
+  const std::vector<std::pair<std::string, std::string>> options_keys = {
+      {"LogErrors", "No"},
+      {"LogFile", "/old/errors.log"},
+      {"OutputFile", "Yes"},
+      {"OutFile", "/logs/game.txt"},
+      {"SpecialMsgBox", "No"},
+      {"AutoInstall", "Yes"},
+      {"DetailedLook", "No"},
+      {"DefaultFontName", font},
+      {"DefaultFontSize", size},
+      {"DefaultFontBold", bold},
+      {"DefaultFontItalic", italic},
+      {"OverrideGameDefaultFont", "Yes"},
+      {"OverrideAllFonts", "Yes"},
+      {"OverrideEffects", "Yes"},
+      {"LabelForegroundColour", "00FF00"},
+      {"LabelBackgroundColour", "101010"}};
+  for (const auto& [key, value] : options_keys) EXPECT_EQ(store.Read("Options", key), value) << key;
+  const std::vector<std::pair<std::string, std::string>> security_keys = {
+      {"SecurityType", "3"},         {"ZeroSecurityInstalledGames", "Yes"},
+      {"NumberCustomSecurity", "4"}, {"CustomSecurityIsDisallow", "No"},
+      {"CustomSecurity1", "EXE"},    {"CustomSecurity2", "COM"},
+      {"CustomSecurity3", "DOC"},    {"CustomSecurity4", "TXT"}};
+  for (const auto& [key, value] : security_keys)
+    EXPECT_EQ(store.Read("Security", key), value) << key;
+  EXPECT_EQ(store.Size(), options_keys.size() + security_keys.size());
   EXPECT_FALSE(settings.special_msg_box);  // the player's settings changed with the store
   EXPECT_EQ(settings.custom_security.back(), "TXT");
 }
@@ -152,11 +144,7 @@ TEST_F(OptionsWindowTest, EmptyFileNamesBecomeTheDefaultFilesInTheUsersDataFolde
   EXPECT_EQ(store.Read("Options", "LogFile"), folder + "/TARVELOG.LOG");
   EXPECT_EQ(store.Read("Options", "OutFile"), folder + "/GAMELOG.LOG");
   EXPECT_EQ(settings.log_file, folder + "/TARVELOG.LOG");
-  if (saved.isNull()) {
-    qunsetenv("XDG_DATA_HOME");
-  } else {
-    qputenv("XDG_DATA_HOME", saved);
-  }
+  saved.isNull() ? qunsetenv("XDG_DATA_HOME") : qputenv("XDG_DATA_HOME", saved);
 }
 
 TEST_F(OptionsWindowTest, CancelChangesNothingEvenWhatTheFontAndListEditorsChose) {
@@ -180,21 +168,19 @@ TEST_F(OptionsWindowTest, CancelChangesNothingEvenWhatTheFontAndListEditorsChose
 
   EXPECT_EQ(options.result(), QDialog::Rejected);
   EXPECT_EQ(store.Size(), 0u);
-  EXPECT_TRUE(settings.special_msg_box);
-  EXPECT_EQ(settings.security_type, 3);
-  EXPECT_EQ(settings.custom_security, Settings().custom_security);
+  EXPECT_TRUE(settings.special_msg_box && settings.security_type == 3);
   EXPECT_FALSE(settings.default_font_bold);
+  EXPECT_EQ(settings.custom_security, Settings().custom_security);
 }
 
 TEST_F(OptionsWindowTest, PageButtonsSwitchPagesAndTheSampleBoxHasTheChosenStyle) {
   frmOptions options(settings, store, nullptr, data.path().toStdString());
-  EXPECT_EQ(options.CurrentPage(), 0);
-  options.butFonts()->click();
-  EXPECT_EQ(options.CurrentPage(), 1);
-  options.butOther()->click();
-  EXPECT_EQ(options.CurrentPage(), 2);
-  options.butLogging()->click();
-  EXPECT_EQ(options.CurrentPage(), 0);
+  std::string pages = std::to_string(options.CurrentPage());
+  for (QPushButton* page : {options.butFonts(), options.butOther(), options.butLogging()}) {
+    page->click();
+    pages += std::to_string(options.CurrentPage());
+  }
+  EXPECT_EQ(pages, "0120");
   EXPECT_FALSE(options.butOther()->isChecked());
 
   // The style the box shows is the one ticked now, before OK.

@@ -1,20 +1,6 @@
 // The game window's smaller companions: the output pane's bounds, the script log window, the
 // variables viewer, the picture window, the splash and the progress window: what they show, what
 // they keep and how they size themselves.
-#include <gtest/gtest.h>
-
-#include <QAccessible>
-#include <QFile>
-#include <QImage>
-#include <QLabel>
-#include <QProgressBar>
-#include <QScreen>
-#include <QSignalSpy>
-#include <QTableWidget>
-#include <QTemporaryDir>
-#include <QTextBlock>
-#include <string>
-#include <vector>
 
 #include "WindowTestSupport.h"
 #include "player/windows/RichOutputPane.h"

@@ -4,17 +4,17 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QInputDialog>
-#include <QMessageBox>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
+#include <QtTest>
+#include <QtWidgets>
+#include <deque>
+#include <fstream>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <ostream>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "player/windows/frmDunMsgBox.h"
 
