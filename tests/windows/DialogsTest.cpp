@@ -2,6 +2,7 @@
 // program's own box, its Y and N keys and the answer each way out gives; what the choice menu
 // offers, how the player confirms and what closing it gives.
 
+
 #include "WindowTestSupport.h"
 #include "player/windows/MessageBoxes.h"
 #include "player/windows/frmSelection.h"
@@ -10,25 +11,15 @@ namespace tarve {
 namespace {
 
 TEST(ShowMessage, PlatformBoxShowsTheTextAsWrittenAndGivesTheAnswerOfItsButton) {
-  const struct {
-    int style;
-    QMessageBox::StandardButton button;
-    int answer;
-  } cases[] = {{kOkOnly, QMessageBox::Ok, kAnswerOk},
-               {kOkCancel + kExclamation, QMessageBox::Cancel, kAnswerCancel},
-               {kYesNo, QMessageBox::Yes, kAnswerYes},
-               {kYesNo, QMessageBox::No, kAnswerNo}};
-  for (const auto& c : cases) {
+  const std::tuple<int, bool, int> cases[] = {{kOkOnly, true, kAnswerOk},
+                                              {kOkCancel + kExclamation, false, kAnswerCancel},
+                                              {kYesNo, true, kAnswerYes},
+                                              {kYesNo, false, kAnswerNo}};
+  for (const auto& [style, yes, answer] : cases) {
     QString text;
     bool own_box = true;
-    WhenOpens<QMessageBox>([&](QMessageBox* box) {
-      own_box = AnyDunMsgBoxExists();
-      text = box->text();
-      if (QAbstractButton* button = box->button(c.button)) return button->click();
-      ADD_FAILURE() << "no such button in style " << c.style;
-      box->close();
-    });
-    EXPECT_EQ(ShowMessage(nullptr, "Open <the> door?\r\nA & B", "Tarve", c.style, false), c.answer);
+    AnswerMessage(yes, &text, &own_box);
+    EXPECT_EQ(ShowMessage(nullptr, "Open <the> door?\r\nA & B", "Tarve", style, false), answer);
     EXPECT_FALSE(own_box);
     // Game text is shown as written, not as markup, with the line end as a line break.
     EXPECT_EQ(text, QStringLiteral("Open <the> door?\nA & B"));
@@ -77,22 +68,20 @@ TEST(DunMsgBox, KeysAndClosingTheFrameGiveTheAnswersOfTheButtons) {
     box->txtMessage()->setFocus();
     PressKey(box, Qt::Key_N);
   };
-  const struct {
-    int style;
-    std::function<void(frmDunMsgBox*)> act;
-    int answer;
-  } cases[] = {{kYesNo, captions, kAnswerYes},
-               {kYesNo, key(Qt::Key_N), kAnswerNo},
-               {kYesNo + kExclamation, n_in_text, kAnswerNo},
-               {kOkCancel, key(Qt::Key_N), kAnswerCancel},
-               {kOkCancel, key(Qt::Key_Escape), kAnswerCancel},
-               {kOkCancel, key(Qt::Key_Return), kAnswerOk},  // the default button
-               // Closing by the frame gives Cancel or No when there is such a button.
-               {kOkCancel, close, kAnswerCancel},
-               {kYesNo, close, kAnswerNo},
-               {kOkOnly, close, kAnswerOk}};
-  for (std::size_t i = 0; i < std::size(cases); ++i) {
-    EXPECT_EQ(AnswerOwnBox(cases[i].style, cases[i].act), cases[i].answer) << "case " << i;
+  const std::tuple<int, std::function<void(frmDunMsgBox*)>, int> cases[] = {
+      {kYesNo, captions, kAnswerYes},
+      {kYesNo, key(Qt::Key_N), kAnswerNo},
+      {kYesNo + kExclamation, n_in_text, kAnswerNo},
+      {kOkCancel, key(Qt::Key_N), kAnswerCancel},
+      {kOkCancel, key(Qt::Key_Escape), kAnswerCancel},
+      {kOkCancel, key(Qt::Key_Return), kAnswerOk},  // the default button
+      // Closing by the frame gives Cancel or No when there is such a button.
+      {kOkCancel, close, kAnswerCancel},
+      {kYesNo, close, kAnswerNo},
+      {kOkOnly, close, kAnswerOk}};
+  int number = 0;
+  for (const auto& [style, act, answer] : cases) {
+    EXPECT_EQ(AnswerOwnBox(style, act), answer) << "case " << number++;
   }
   EXPECT_EQ(yes_caption, QStringLiteral("&Yes"));
   EXPECT_EQ(no_caption, QStringLiteral("&No"));
@@ -114,7 +103,7 @@ QStringList ShownAnswers(const frmSelection* dialog) {
   return shown;
 }
 
-TEST(Selection, OffersAtMostEightAnswersWithTheFirstChosenAndEnterConfirms) {
+TEST(Selection, OffersAtMostEightAnswersAndGivesTheConfirmedOneOrNone) {
   QStringList shown;
   bool first_checked = false;
   QString prompt;
@@ -134,10 +123,7 @@ TEST(Selection, OffersAtMostEightAnswersWithTheFirstChosenAndEnterConfirms) {
   ASSERT_EQ(shown.size(), 8);
   EXPECT_EQ(shown.back(), QStringLiteral("Answer 8"));
   EXPECT_TRUE(first_checked);
-}
-
-TEST(Selection, AClickedAnswerIsConfirmedAndClosingGivesNone) {
-  QStringList shown;
+  // A clicked answer is confirmed; closing without confirming gives none.
   EXPECT_EQ(Choose(3,
                    [&](frmSelection* dialog) {
                      shown = ShownAnswers(dialog);

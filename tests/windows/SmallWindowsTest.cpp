@@ -31,23 +31,18 @@ TEST(RichOutputPane, KeepsTheNewestParagraphsOnceOverTwiceItsBound) {
   EXPECT_EQ(pane.document()->firstBlock().blockFormat().alignment(), Qt::AlignHCenter);
 }
 
-TEST(RichOutputPane, OneEndlessLineLosesItsStart) {
+TEST(RichOutputPane, OneEndlessLineLosesItsStartAndClearingKeepsTheStyles) {
   RichOutputPane pane(nullptr, /*max_paragraphs=*/1000, /*max_characters=*/100);
   pane.InsertText("first line\r\n");
   for (int i = 0; i < 30; ++i) pane.InsertText("abcdefghi" + std::to_string(i % 10));
   const QString text = pane.Text();
   EXPECT_FALSE(text.contains(QStringLiteral("first line")));
-  EXPECT_LE(text.size(), 200);
-  EXPECT_GE(text.size(), 99);
+  EXPECT_TRUE(text.size() >= 99 && text.size() <= 200) << text.size();
   EXPECT_TRUE(text.endsWith(QStringLiteral("abcdefghi9")));
-}
 
-TEST(RichOutputPane, ClearingKeepsTheStylesAtTheInsertionPoint) {
-  RichOutputPane pane;
   pane.SetBold(true);
   pane.SetFontSize(12);
   pane.SetAlignment(Qt::AlignRight);
-  pane.InsertText("gone\r\n");
   pane.ClearOutput();
   pane.InsertText("kept");
   EXPECT_EQ(pane.Text(), QStringLiteral("kept"));
@@ -89,8 +84,18 @@ TEST(GWLLog, ClosingHidesAndKeepsTheTextAndTheNewestWholeMessagesStayWithinTheBo
   }
 }
 
-TEST(StringVariables, SettingOneRowChangesOnlyThatRow) {
+TEST(StringVariables, EachStoreHasItsHeadingsAndSettingOneRowChangesOnlyThatRow) {
+  const auto looks = [](const frmStringVariables& viewer) {
+    const QTableWidget* grid = viewer.grdVariables();
+    return QStringList{viewer.windowTitle(), grid->horizontalHeaderItem(0)->text(),
+                       grid->horizontalHeaderItem(1)->text()};
+  };
+  frmStringVariables collectables(frmStringVariables::Store::kCollectables);
+  EXPECT_EQ(looks(collectables), (QStringList{"Collectables", "Collectable", "Amount"}));
+  frmStringVariables numeric(frmStringVariables::Store::kNumericVariables);
+  EXPECT_EQ(looks(numeric), (QStringList{"Numeric variables", "Name", "Contents"}));
   frmStringVariables viewer(frmStringVariables::Store::kStringVariables);
+  EXPECT_EQ(looks(viewer), (QStringList{"String variables", "Name", "Contents"}));
   viewer.SetContents({{"name", "Ann"}, {"weapon", "sword"}, {"room", "hall"}});
   QSignalSpy changes(viewer.grdVariables()->model(), &QAbstractItemModel::dataChanged);
   viewer.SetRow(1, "weapon", "axe");
@@ -109,26 +114,15 @@ TEST(StringVariables, SettingOneRowChangesOnlyThatRow) {
   EXPECT_EQ(viewer.grdVariables()->item(4, 0)->text(), QStringLiteral("gold"));
   viewer.SetContents({{"only", "one"}});
   EXPECT_EQ(viewer.RowCount(), 1);
-}
 
-TEST(StringVariables, EachStoreHasItsCaptionAndHeadingsAndTheGridFollowsTheWindow) {
-  frmStringVariables numeric(frmStringVariables::Store::kNumericVariables);
-  frmStringVariables collectables(frmStringVariables::Store::kCollectables);
-  const auto looks = [](const frmStringVariables& viewer) {
-    const QTableWidget* grid = viewer.grdVariables();
-    return QStringList{viewer.windowTitle(), grid->horizontalHeaderItem(0)->text(),
-                       grid->horizontalHeaderItem(1)->text()};
-  };
-  EXPECT_EQ(looks(numeric), (QStringList{"Numeric variables", "Name", "Contents"}));
-  EXPECT_EQ(looks(collectables), (QStringList{"Collectables", "Collectable", "Amount"}));
-
-  numeric.show();
-  EXPECT_EQ(numeric.grdVariables()->columnWidth(0), 110);  // 1650 twips
-  EXPECT_EQ(numeric.grdVariables()->columnWidth(1), 267);  // 4000 twips
-  numeric.resize(600, 400);
+  // The grid follows the window.
+  viewer.show();
+  EXPECT_EQ(viewer.grdVariables()->columnWidth(0), 110);  // 1650 twips
+  EXPECT_EQ(viewer.grdVariables()->columnWidth(1), 267);  // 4000 twips
+  viewer.resize(600, 400);
   QApplication::processEvents();
-  EXPECT_EQ(numeric.grdVariables()->geometry(), numeric.rect());
-  EXPECT_GT(numeric.grdVariables()->columnWidth(1), 267);
+  EXPECT_EQ(viewer.grdVariables()->geometry(), viewer.rect());
+  EXPECT_GT(viewer.grdVariables()->columnWidth(1), 267);
 }
 
 TEST(Pic, WindowTakesThePictureSizeAndShrinksAHugeOneToTheScreen) {
