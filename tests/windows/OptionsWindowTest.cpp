@@ -147,9 +147,28 @@ TEST_F(OptionsWindowTest, EmptyFileNamesBecomeTheDefaultFilesInTheUsersDataFolde
   saved.isNull() ? qunsetenv("XDG_DATA_HOME") : qputenv("XDG_DATA_HOME", saved);
 }
 
-TEST_F(OptionsWindowTest, CancelChangesNothingEvenWhatTheFontAndListEditorsChose) {
+TEST_F(OptionsWindowTest, PagesTheSampleBoxAndCancelWhichChangesNothing) {
   frmOptions options(settings, store, nullptr, data.path().toStdString());
-  options.chkSpecialMsgBox()->setChecked(false);
+  std::string pages = std::to_string(options.CurrentPage());
+  for (QPushButton* page : {options.butFonts(), options.butOther(), options.butLogging()}) {
+    page->click();
+    pages += std::to_string(options.CurrentPage());
+  }
+  EXPECT_EQ(pages, "0120");
+  EXPECT_FALSE(options.butOther()->isChecked());
+
+  // The style the sample box shows is the one ticked now, before OK.
+  for (const bool special : {true, false}) {
+    options.chkSpecialMsgBox()->setChecked(special);
+    QString shown;
+    bool own_box = !special;
+    AnswerMessage(true, &shown, &own_box);
+    options.butDemoMsgBox()->click();
+    EXPECT_EQ(shown, "This is the style of message box you have selected.");
+    EXPECT_EQ(own_box, special);
+  }
+
+  // Cancel changes nothing, not even what the font and list editors chose.
   options.optAllExts()->setChecked(true);
   options.optAdvExts()->setChecked(true);
   WhenOpens<frmAdvancedSecurity>([](frmAdvancedSecurity* editor) {
@@ -165,36 +184,11 @@ TEST_F(OptionsWindowTest, CancelChangesNothingEvenWhatTheFontAndListEditorsChose
   });
   options.butSetFont()->click();
   options.butCancel()->click();
-
   EXPECT_EQ(options.result(), QDialog::Rejected);
   EXPECT_EQ(store.Size(), 0u);
   EXPECT_TRUE(settings.special_msg_box && settings.security_type == 3);
   EXPECT_FALSE(settings.default_font_bold);
   EXPECT_EQ(settings.custom_security, Settings().custom_security);
-}
-
-TEST_F(OptionsWindowTest, PageButtonsSwitchPagesAndTheSampleBoxHasTheChosenStyle) {
-  frmOptions options(settings, store, nullptr, data.path().toStdString());
-  std::string pages = std::to_string(options.CurrentPage());
-  for (QPushButton* page : {options.butFonts(), options.butOther(), options.butLogging()}) {
-    page->click();
-    pages += std::to_string(options.CurrentPage());
-  }
-  EXPECT_EQ(pages, "0120");
-  EXPECT_FALSE(options.butOther()->isChecked());
-
-  // The style the box shows is the one ticked now, before OK.
-  const QString sample = QStringLiteral("This is the style of message box you have selected.");
-  for (const bool special : {true, false}) {
-    options.chkSpecialMsgBox()->setChecked(special);
-    QString shown;
-    bool own_box = !special;
-    AnswerMessage(true, &shown, &own_box);
-    options.butDemoMsgBox()->click();
-    EXPECT_EQ(shown, sample);
-    EXPECT_EQ(own_box, special);
-  }
-  EXPECT_TRUE(settings.special_msg_box);
 }
 
 TEST(AdvancedSecurity, AddsTypesAsTheCheckComparesThemRemovesAndKeepsOnlyOnOk) {
