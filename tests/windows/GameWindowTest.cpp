@@ -1,26 +1,6 @@
 // The game window with the real application and a small test game: the command box and its
-// keys, waits, the pane's styled text, the direction and action buttons, the menus, closing the
-// window, the viewers, zoom and what reaches a screen reader. Dialogs are answered from inside
-// their own event loops.
-#include <gtest/gtest.h>
-
-#include <QAbstractButton>
-#include <QFile>
-#include <QFileDialog>
-#include <QImage>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMenu>
-#include <QMessageBox>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTableWidget>
-#include <QTemporaryDir>
-#include <QTextBlock>
-#include <QTextDocument>
-#include <QTextFragment>
-#include <memory>
+// keys, waits and Undo, the pane's styled text and zoom, the buttons, lists and viewers, the
+// menus, closing the window and the launcher it goes back to.
 
 #include "WindowTestSupport.h"
 #include "desktop/DesktopHost.h"
@@ -28,7 +8,6 @@
 #include "interpreter/Variables.h"
 #include "player/Player.h"
 #include "player/windows/RichOutputPane.h"
-#include "player/windows/frmDunMsgBox.h"
 #include "player/windows/frmGWLLog.h"
 #include "player/windows/frmMain.h"
 #include "player/windows/frmNewGame.h"
@@ -42,58 +21,10 @@ namespace {
 
 const std::string kWindowGame = std::string(TARVE_TEST_GAMES) + "/desktop/window.gwl";
 
-bool AnyDunMsgBoxExists() {
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (qobject_cast<frmDunMsgBox*>(window) != nullptr) return true;
-  }
-  return false;
-}
-
-// Runs `act` on the application's modal window once one of kind `Dialog` has opened; other
-// modal windows that open first are left to their own answers. A loaded machine can take
-// seconds to open a file dialog, so this waits up to about thirty seconds; then the test fails
-// and whatever modal window is open is closed, so that the test never hangs.
-template <typename Dialog>
-void WhenOpens(std::function<void(Dialog*)> act, int tries = 3000) {
-  QTimer::singleShot(10, [act = std::move(act), tries]() mutable {
-    if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
-      act(dialog);
-    } else if (tries > 0) {
-      WhenOpens<Dialog>(std::move(act), tries - 1);
-    } else {
-      ADD_FAILURE() << "the expected dialog did not open";
-      if (QWidget* modal = QApplication::activeModalWidget()) modal->close();
-    }
-  });
-}
-
-// Answers the next message box, whichever kind it is, with Yes/OK (`yes`) or No/Cancel, and
-// records its text.
-void AnswerMessage(bool yes, QString* text = nullptr) {
-  WhenOpens<QDialog>([=](QDialog* modal) {
-    if (auto* own = qobject_cast<frmDunMsgBox*>(modal)) {
-      if (text != nullptr) *text = own->txtMessage()->toPlainText();
-      (yes ? own->butOK() : own->butCancel())->click();
-    } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
-      if (text != nullptr) *text = box->text();
-      QAbstractButton* button = box->button(yes ? QMessageBox::Yes : QMessageBox::No);
-      if (button == nullptr) button = box->button(yes ? QMessageBox::Ok : QMessageBox::Cancel);
-      button->click();
-    } else {
-      ADD_FAILURE() << "expected a message box";
-      modal->close();
-    }
-  });
-}
-
-// Picks `path` in the next file dialog, or cancels it when `path` is empty; records its filter.
+// Picks `path` in the next file dialog; records its filters.
 void AnswerFileDialog(const QString& path, QStringList* filters = nullptr, int tries = 50) {
   WhenOpens<QFileDialog>([=](QFileDialog* dialog) {
     if (filters != nullptr) *filters = dialog->nameFilters();
-    if (path.isEmpty()) {
-      dialog->reject();
-      return;
-    }
     // The name is typed into the name box: selectFile() leaves a box that has the focus alone
     // (whether it has depends on how soon the dialog was activated), and the file list it would
     // select from fills in on a thread of its own.
@@ -107,25 +38,6 @@ void AnswerFileDialog(const QString& path, QStringList* filters = nullptr, int t
   });
 }
 
-// The format of the first piece of the pane's text that holds `word`.
-QTextCharFormat FormatOf(const QTextDocument* document, const QString& word) {
-  for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
-    for (auto it = block.begin(); !it.atEnd(); ++it) {
-      if (it.fragment().text().contains(word)) return it.fragment().charFormat();
-    }
-  }
-  ADD_FAILURE() << "no text " << word.toStdString() << " in the pane";
-  return {};
-}
-
-Qt::Alignment AlignmentOf(const QTextDocument* document, const QString& word) {
-  for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
-    if (block.text().contains(word)) return block.blockFormat().alignment();
-  }
-  ADD_FAILURE() << "no line " << word.toStdString() << " in the pane";
-  return {};
-}
-
 class GameWindowTest : public testing::Test {
  protected:
   GameWindowTest() {
@@ -134,8 +46,8 @@ class GameWindowTest : public testing::Test {
   }
   ~GameWindowTest() override { host_.Detach(); }
 
-  void Open(const std::string& path = kWindowGame) {
-    ASSERT_TRUE(player_->OpenGame(path));
+  void Open() {
+    ASSERT_TRUE(player_->OpenGame(kWindowGame));
     // Shortcuts and the keyboard focus work in the active window only.
     window().activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
@@ -143,6 +55,7 @@ class GameWindowTest : public testing::Test {
 
   frmMain& window() { return host_.window(); }
   QString Output() { return window().txtOutput()->Text(); }
+  QString Location() { return window().lblLocation()->text().trimmed(); }
 
   // Types `text` into the command box and presses Enter, as the player does.
   void Type(const QString& text) {
@@ -154,42 +67,78 @@ class GameWindowTest : public testing::Test {
 
   // Runs `act` once the game waits for a key or a line, and makes sure the wait ends even when
   // `act` fails, so that no test hangs.
-  void DuringWait(std::function<void()> act) {
-    auto* poll = new QTimer(&window());
-    poll->setInterval(5);
-    QObject::connect(poll, &QTimer::timeout, &window(), [this, poll, act = std::move(act)] {
+  void DuringWait(std::function<void()> act, int tries = 6000) {
+    QTimer::singleShot(5, &window(), [this, act = std::move(act), tries] {
       if (!player_->waiting_for_key() && !player_->waiting_for_line()) {
-        if (poll->property("tries").toInt() > 6000) {
-          poll->stop();
-          ADD_FAILURE() << "the game never waited";
-        }
-        poll->setProperty("tries", poll->property("tries").toInt() + 1);
+        if (tries > 0) return DuringWait(act, tries - 1);
+        ADD_FAILURE() << "the game never waited";
         return;
       }
-      poll->stop();
       act();
       QTimer::singleShot(5000, &window(), [this] {
         if (!player_->waiting_for_key() && !player_->waiting_for_line()) return;
         ADD_FAILURE() << "the wait did not end";
-        if (player_->waiting_for_key()) player_->KeyPressed();
+        player_->KeyPressed();
         if (player_->waiting_for_line()) player_->SubmitCommand("ended by the test");
       });
     });
-    poll->start();
   }
 
-  std::vector<QPushButton*> VisibleActionButtons() {
-    std::vector<QPushButton*> shown;
+  // How the first piece of the pane's text that holds `word` looks: b, i and u for bold, italic
+  // and underlined, its colour, size and face, and l or c for its line's alignment.
+  std::string Look(const QString& word) {
+    const QTextDocument* document = window().txtOutput()->document();
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+      for (auto it = block.begin(); !it.atEnd(); ++it) {
+        if (!it.fragment().text().contains(word)) continue;
+        const QTextCharFormat format = it.fragment().charFormat();
+        return QStringLiteral("%1%2%3 %4 %5 %6 %7")
+            .arg(format.fontWeight() == QFont::Bold ? "b" : "", format.fontItalic() ? "i" : "",
+                 format.fontUnderline() ? "u" : "", format.foreground().color().name(),
+                 QString::number(format.fontPointSize()),
+                 format.fontFamilies().toStringList().join(','),
+                 block.blockFormat().alignment() == Qt::AlignHCenter ? "c" : "l")
+            .toStdString();
+      }
+    }
+    return "no text " + word.toStdString();
+  }
+
+  // Which of these are enabled, as 1s and 0s: the command box, Run, the list, the menu entries
+  // Save, Load, Restart, Game Info and Different Game; then the ten direction buttons.
+  std::string Enabled() {
+    frmMain& w = window();
+    std::string letters;
+    for (bool on :
+         {w.txtCommand()->isEnabled(), w.butExecute()->isEnabled(), w.lstObjects()->isEnabled(),
+          w.mnuSave()->isEnabled(), w.mnuLoad()->isEnabled(), w.mnuRestart()->isEnabled(),
+          w.mnuGameInfo()->isEnabled(), w.mnuDifferentGame()->isEnabled()}) {
+      letters += on ? '1' : '0';
+    }
+    letters += ' ';
+    for (int i = 0; i < 10; ++i) letters += w.butDir(i)->isEnabled() ? '1' : '0';
+    return letters;
+  }
+
+  // Chooses `thing` in the list (nothing when empty) and tells which action buttons then show.
+  std::vector<int> Choose(const QString& thing = {}) {
+    const QList<QListWidgetItem*> found = window().lstObjects()->findItems(thing, Qt::MatchExactly);
+    if (!thing.isEmpty()) {
+      EXPECT_EQ(found.size(), 1) << thing.toStdString();
+      if (!found.isEmpty()) window().lstObjects()->setCurrentItem(found.front());
+    }
+    std::vector<int> shown;
     for (int i = 0; i < 4; ++i) {
-      if (!window().butDo(i)->isHidden()) shown.push_back(window().butDo(i));
+      if (!window().butDo(i)->isHidden()) shown.push_back(i);
     }
     return shown;
   }
 
-  void Choose(const QString& thing) {
-    const QList<QListWidgetItem*> found = window().lstObjects()->findItems(thing, Qt::MatchExactly);
-    ASSERT_EQ(found.size(), 1) << thing.toStdString();
-    window().lstObjects()->setCurrentItem(found.front());
+  // w, l and g for a shown game window, a shown launcher and an open game.
+  std::string Shown() {
+    return {window().isVisible() ? 'w' : '-',
+            host_.launcher() != nullptr && host_.launcher()->isVisible() ? 'l' : '-',
+            player_->game_open() ? 'g' : '-'};
   }
 
   DesktopHost host_;
@@ -197,93 +146,87 @@ class GameWindowTest : public testing::Test {
   std::unique_ptr<Player> player_ = std::make_unique<Player>(Host(host_, host_, host_, services_));
 };
 
-TEST_F(GameWindowTest, CommandBoxKeysRecallCommandsAndEmptyTheBox) {
+TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
   Open();
   QLineEdit* box = window().txtCommand();
-  EXPECT_TRUE(window().isVisible());
+  const auto key = [box](Qt::Key pressed, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(box, pressed, modifiers);
+    return box->text();
+  };
   EXPECT_EQ(window().windowTitle(), QStringLiteral("Tarve 2.17 - \"Window Test\""));
-
-  // F12 before any command gives an empty box.
   QTest::keyClicks(box, QStringLiteral("xyz"));
-  QTest::keyClick(box, Qt::Key_F12);
-  EXPECT_EQ(box->text(), QString());
-
+  EXPECT_EQ(key(Qt::Key_F12), QString()) << "no command yet";
   Type(QStringLiteral("look"));
   EXPECT_EQ(box->text(), QString()) << "a command leaves the box empty";
+  EXPECT_FALSE(window().mnuUndo()->isEnabled()) << "a look changes nothing";
   Type(QStringLiteral("styles"));
   QTest::keyClicks(box, QStringLiteral("dra"));
-  QTest::keyClick(box, Qt::Key_F12);
-  EXPECT_EQ(box->text(), QStringLiteral("styles"));
+  EXPECT_EQ(key(Qt::Key_F12), QStringLiteral("styles"));
   EXPECT_EQ(box->cursorPosition(), 6);
-  QTest::keyClick(box, Qt::Key_F11);
-  EXPECT_EQ(box->text(), QString());
-
+  EXPECT_EQ(key(Qt::Key_F11), QString());
   // Up and Down walk through the session's commands and back to what was being typed.
   QTest::keyClicks(box, QStringLiteral("dra"));
-  QTest::keyClick(box, Qt::Key_Up);
-  EXPECT_EQ(box->text(), QStringLiteral("styles"));
-  QTest::keyClick(box, Qt::Key_Up);
-  EXPECT_EQ(box->text(), QStringLiteral("look"));
+  EXPECT_EQ(key(Qt::Key_Up), QStringLiteral("styles"));
+  key(Qt::Key_Up);
+  EXPECT_EQ(key(Qt::Key_Up), QStringLiteral("look"));
   EXPECT_EQ(box->cursorPosition(), 4);
-  QTest::keyClick(box, Qt::Key_Up);
-  EXPECT_EQ(box->text(), QStringLiteral("look"));
-  QTest::keyClick(box, Qt::Key_Down);
-  QTest::keyClick(box, Qt::Key_Down);
-  EXPECT_EQ(box->text(), QStringLiteral("dra"));
-
-  // Enter on an empty box prints nothing.
+  key(Qt::Key_Down);
+  EXPECT_EQ(key(Qt::Key_Down), QStringLiteral("dra"));
+  // Enter or Run on an empty box prints nothing.
   box->clear();
   const QString before = Output();
-  QTest::keyClick(box, Qt::Key_Return);
+  key(Qt::Key_Return);
   window().butExecute()->click();
   EXPECT_EQ(Output(), before);
-}
 
-TEST_F(GameWindowTest, KeyWaitDisablesTheControlsAndAnyKeyOrEnterEndsIt) {
-  Open();
-  bool checked = false;
+  // While a move can be taken back, Ctrl+Z takes it back; then it is the box's own again.
+  Type(QStringLiteral("north"));
+  EXPECT_TRUE(window().mnuUndo()->isEnabled());
+  EXPECT_FALSE(window().butDir(0)->isEnabled());
+  QTest::keyClicks(box, QStringLiteral("half typed"));
+  key(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(Location(), QStringLiteral("Hall"));
+  EXPECT_TRUE(window().butDir(0)->isEnabled());
+  EXPECT_FALSE(window().mnuUndo()->isEnabled());
+  key(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(Location(), QStringLiteral("Hall"));
+
+  // A key wait disables the controls; any key, Enter (which runs nothing) or a click in the
+  // text ends it.
+  std::string during;
   DuringWait([&] {
-    checked = true;
-    EXPECT_TRUE(Output().contains(QStringLiteral("Before the key.")));
-    EXPECT_FALSE(Output().contains(QStringLiteral("After the key.")));
-    EXPECT_FALSE(window().txtCommand()->isEnabled());
-    EXPECT_FALSE(window().butExecute()->isEnabled());
-    EXPECT_FALSE(window().butDir(0)->isEnabled());
-    EXPECT_FALSE(window().butDir(5)->isEnabled());
-    EXPECT_FALSE(window().mnuSave()->isEnabled());
-    EXPECT_FALSE(window().mnuRestart()->isEnabled());
+    during = Enabled();
     PressKey(&window(), Qt::Key_X);
   });
   Type(QStringLiteral("pause"));
-  EXPECT_TRUE(checked);
-  EXPECT_TRUE(Output().contains(QStringLiteral("After the key.")));
-  EXPECT_TRUE(window().txtCommand()->isEnabled());
-  EXPECT_TRUE(window().butDir(0)->isEnabled());
-  EXPECT_TRUE(window().mnuSave()->isEnabled());
-  EXPECT_TRUE(window().txtCommand()->hasFocus());
-
-  // Enter ends the wait and the text in the box is not run.
+  EXPECT_EQ(during, "00000000 0000000000");
+  EXPECT_EQ(Enabled(), "11111111 1000111000");
+  EXPECT_TRUE(box->hasFocus());
   DuringWait([&] {
-    window().txtCommand()->setText(QStringLiteral("look"));
+    box->setText(QStringLiteral("win"));
     PressKey(&window(), Qt::Key_Return);
   });
   Type(QStringLiteral("pause"));
-  EXPECT_FALSE(Output().contains(QStringLiteral("> look")));
-  EXPECT_FALSE(player_->waiting_for_key());
-
-  // A click in the text goes on as a key does.
+  EXPECT_FALSE(Output().contains(QStringLiteral("> win")));
   DuringWait([&] { QTest::mouseClick(window().txtOutput()->viewport(), Qt::LeftButton); });
   Type(QStringLiteral("pause"));
   EXPECT_FALSE(player_->waiting_for_key());
+
+  // A line wait takes the next line typed into the box, with only the box enabled.
+  DuringWait([&] {
+    during = Enabled();
+    Type(QStringLiteral("blue"));
+  });
+  Type(QStringLiteral("ask"));
+  Type(QStringLiteral("answer"));
+  EXPECT_EQ(during, "10000000 0000000000");
+  EXPECT_TRUE(Output().contains(QStringLiteral("You said blue.")));
 }
 
 TEST_F(GameWindowTest, StartScriptsWaitInTheShownWindow) {
   bool waited = false;
   DuringWait([&] {
-    waited = true;
-    EXPECT_TRUE(window().isVisible());
-    EXPECT_TRUE(Output().contains(QStringLiteral("Before the wait.")));
-    EXPECT_FALSE(Output().contains(QStringLiteral("After the key.")));
+    waited = window().isVisible();
     PressKey(&window(), Qt::Key_Space);
   });
   ASSERT_TRUE(player_->OpenGame(std::string(TARVE_TEST_GAMES) + "/desktop/startwait.gwl"));
@@ -291,311 +234,40 @@ TEST_F(GameWindowTest, StartScriptsWaitInTheShownWindow) {
   EXPECT_TRUE(Output().contains(QStringLiteral("After the key.")));
 }
 
-TEST_F(GameWindowTest, EnterWaitTakesTheNextLineTypedIntoTheBox) {
+TEST_F(GameWindowTest, PaneShowsTheStylesZoomsAndAnnouncesEachTurn) {
   Open();
-  DuringWait([&] {
-    EXPECT_TRUE(window().txtCommand()->isEnabled());
-    EXPECT_FALSE(window().butExecute()->isEnabled());
-    EXPECT_FALSE(window().butDir(0)->isEnabled());
-    EXPECT_FALSE(window().mnuLoad()->isEnabled());
-    Type(QStringLiteral("blue"));
-  });
-  Type(QStringLiteral("ask"));
-  Type(QStringLiteral("answer"));
-  EXPECT_TRUE(Output().contains(QStringLiteral("You said blue.")));
-}
-
-TEST_F(GameWindowTest, FormattingCodesBecomeTheTextsCharacterFormats) {
-  Open();
-  Type(QStringLiteral("styles"));
-  Type(QStringLiteral("centre"));
-  const QTextDocument* document = window().txtOutput()->document();
-  EXPECT_EQ(FormatOf(document, QStringLiteral("Bold")).fontWeight(), QFont::Bold);
-  EXPECT_FALSE(FormatOf(document, QStringLiteral("Italic")).fontWeight() == QFont::Bold);
-  EXPECT_TRUE(FormatOf(document, QStringLiteral("Italic")).fontItalic());
-  EXPECT_TRUE(FormatOf(document, QStringLiteral("Under")).fontUnderline());
-  EXPECT_FALSE(FormatOf(document, QStringLiteral("Under")).fontItalic());
-  EXPECT_EQ(FormatOf(document, QStringLiteral("Red")).foreground().color(), QColor(255, 0, 0));
-  EXPECT_EQ(FormatOf(document, QStringLiteral("Blue")).foreground().color(), QColor(0, 0, 255));
-  EXPECT_EQ(FormatOf(document, QStringLiteral("A plain hall")).foreground().color(),
-            QColor(0, 0, 0));
-  EXPECT_DOUBLE_EQ(FormatOf(document, QStringLiteral("Big")).fontPointSize(), 14.0);
-  // The player's default face and size, from the settings.
-  const QTextCharFormat plain = FormatOf(document, QStringLiteral("A plain hall"));
-  EXPECT_DOUBLE_EQ(plain.fontPointSize(), 8.25);
-  EXPECT_EQ(plain.fontFamilies().toStringList(), QStringList{QStringLiteral("Courier New")});
-  Type(QStringLiteral("left"));
-  Type(QStringLiteral("look"));
-  EXPECT_EQ(AlignmentOf(document, QStringLiteral("> centre")), Qt::AlignLeft);
-  EXPECT_EQ(AlignmentOf(document, QStringLiteral("Middle")), Qt::AlignHCenter);
-  // A new line keeps the alignment of the line before it, until a code changes its own.
-  EXPECT_EQ(AlignmentOf(document, QStringLiteral("> left")), Qt::AlignHCenter);
-  EXPECT_EQ(AlignmentOf(document, QStringLiteral("> look")), Qt::AlignLeft);
-
+  for (const char* command : {"styles", "centre", "left", "look"}) Type(command);
+  // Plain text has the player's default colour, face and size, from the settings. A new line
+  // keeps the alignment of the line before it, until a code changes its own.
+  const std::vector<std::pair<QString, std::string>> looks = {
+      {"Bold", "b #000000 8.25 Courier New l"},       {"Italic", "i #000000 8.25 Courier New l"},
+      {"Under", "u #000000 8.25 Courier New l"},      {"Red", " #ff0000 8.25 Courier New l"},
+      {"Blue", " #0000ff 8.25 Courier New l"},        {"Big", " #000000 14 Courier New l"},
+      {"> centre", " #000000 8.25 Courier New l"},    {"Middle", " #000000 8.25 Courier New c"},
+      {"> left", " #000000 8.25 Courier New c"},      {"> look", " #000000 8.25 Courier New l"},
+      {"A plain hall", " #000000 8.25 Courier New l"}};
+  for (const auto& [word, look] : looks) EXPECT_EQ(Look(word), look) << word.toStdString();
   // Lines end with paragraph breaks, not with stray characters.
   EXPECT_TRUE(Output().contains(QStringLiteral("\n> styles\nBold Italic Under Red Blue")));
   EXPECT_FALSE(Output().contains(QChar(u'\r')));
 
   // Zooming scales every size the game chose, is remembered, and goes back exactly.
-  QTest::keyClick(window().txtCommand(), Qt::Key_Plus, Qt::ControlModifier);
-  QTest::keyClick(window().txtCommand(), Qt::Key_Plus, Qt::ControlModifier);
+  const auto zoom = [this](Qt::Key key) {
+    for (int i = 0; i < 2; ++i) QTest::keyClick(window().txtCommand(), key, Qt::ControlModifier);
+  };
+  zoom(Qt::Key_Plus);
   EXPECT_EQ(window().txtOutput()->zoom(), 2);
-  EXPECT_DOUBLE_EQ(FormatOf(document, QStringLiteral("Big")).fontPointSize(), 14.0 * 1.2);
+  EXPECT_EQ(Look(QStringLiteral("Big")), " #000000 16.8 Courier New l");
   EXPECT_EQ(player_->settings_store().Read("Options", "PaneZoom"), "2");
   Type(QStringLiteral("styles"));
   EXPECT_DOUBLE_EQ(window().txtOutput()->CurrentFontSize(), 8.25);
   frmMain second;
   second.Attach(*player_);
   EXPECT_EQ(second.txtOutput()->zoom(), 2);
-  QTest::keyClick(window().txtCommand(), Qt::Key_Minus, Qt::ControlModifier);
-  QTest::keyClick(window().txtCommand(), Qt::Key_Minus, Qt::ControlModifier);
-  EXPECT_DOUBLE_EQ(FormatOf(document, QStringLiteral("Big")).fontPointSize(), 14.0);
-}
+  zoom(Qt::Key_Minus);
+  EXPECT_EQ(Look(QStringLiteral("Big")), " #000000 14 Courier New l");
 
-TEST_F(GameWindowTest, DirectionButtonsFollowTheExitsAndSendTheirCommands) {
-  Open();
-  const auto enabled = [this] {
-    std::string letters;
-    for (int i = 0; i < 10; ++i) letters += window().butDir(i)->isEnabled() ? '1' : '0';
-    return letters;
-  };
-  // north, out, help and northeast.
-  EXPECT_EQ(enabled(), "1000111000");
-  EXPECT_TRUE(window().lblLocation()->text().contains(QStringLiteral("Hall")));
-  QTest::mouseClick(window().butDir(0), Qt::LeftButton);
-  EXPECT_TRUE(Output().contains(QStringLiteral("> north\n")));
-  EXPECT_TRUE(Output().endsWith(QStringLiteral("Roses everywhere.\n")) ||
-              Output().contains(QStringLiteral("Roses everywhere.")));
-  EXPECT_TRUE(window().lblLocation()->text().contains(QStringLiteral("Garden")));
-  // south and west.
-  EXPECT_EQ(enabled(), "0110010000");
-  EXPECT_TRUE(window().Timer1()->isActive()) << "a new room lights the label up";
-  QTest::mouseClick(window().butDir(1), Qt::LeftButton);
-  QTest::mouseClick(window().butDir(6), Qt::LeftButton);
-  // southwest only.
-  EXPECT_EQ(enabled(), "0000010001");
-  window().butDir(5)->click();
-  EXPECT_TRUE(Output().contains(QStringLiteral("> help")));
-}
-
-TEST_F(GameWindowTest, ActionButtonsShowPerKindOfEntryAndActOnIt) {
-  Open();
-  QListWidget* list = window().lstObjects();
-  ASSERT_EQ(list->count(), 3);
-  EXPECT_TRUE(VisibleActionButtons().empty()) << "nothing is chosen yet";
-
-  Choose(QStringLiteral("Butler"));
-  EXPECT_EQ(VisibleActionButtons(),
-            (std::vector<QPushButton*>{window().butDo(1), window().butDo(2)}));
-  EXPECT_EQ(window().butDo(2)->accessibleName(), QStringLiteral("Speak to Butler"));
-  window().butDo(2)->click();
-  EXPECT_TRUE(Output().contains(QStringLiteral("> speak to Butler\n\"Good evening.\"")));
-
-  Choose(QStringLiteral("lamp"));
-  EXPECT_EQ(VisibleActionButtons(),
-            (std::vector<QPushButton*>{window().butDo(1), window().butDo(3)}));
-  window().butDo(3)->click();
-  EXPECT_TRUE(window().txtItems()->toPlainText().contains(QStringLiteral("lamp")));
-
-  Choose(QStringLiteral("Kitchen"));
-  EXPECT_EQ(VisibleActionButtons(),
-            (std::vector<QPushButton*>{window().butDo(0), window().butDo(1)}));
-  window().butDo(0)->click();
-  EXPECT_TRUE(Output().contains(QStringLiteral("Pots and pans.")));
-  EXPECT_TRUE(VisibleActionButtons().empty()) << "a new room's list has nothing chosen";
-}
-
-TEST_F(GameWindowTest, AChoiceIsAnsweredInItsDialogAndTheCollectablesFollow) {
-  Open();
-  Type(QStringLiteral("take lamp"));  // the inventory, and with it the collectables, is shown
-  ASSERT_EQ(window().lstCollectables()->count(), 1);
-  EXPECT_EQ(window().lstCollectables()->item(0)->text(), QStringLiteral("Score: 0"));
-  WhenOpens<frmSelection>([](frmSelection* selection) { selection->butOK()->click(); });
-  Type(QStringLiteral("pick"));
-  EXPECT_TRUE(Output().contains(QStringLiteral("- Up")));
-  EXPECT_EQ(window().lstCollectables()->item(0)->text(), QStringLiteral("Score: 5"));
-}
-
-TEST_F(GameWindowTest, SaveAfterLoadingASavedGameOverwritesItWithoutAsking) {
-  QTemporaryDir folder;
-  const QString path = folder.filePath(QStringLiteral("progress.tsg"));
-  Open();
-  QStringList filters;
-  AnswerFileDialog(path, &filters);
-  window().mnuSaveAs()->trigger();
-  EXPECT_EQ(filters, (QStringList{QStringLiteral("Tarve saved game (*.tsg)"),
-                                  QStringLiteral("All files (*)")}));
-  ASSERT_TRUE(QFile::exists(path));
-
-  window().butDir(0)->click();     // to the garden
-  player_->OpenGame(kWindowGame);  // a fresh game: nothing saved yet
-  AnswerFileDialog(path);
-  window().mnuLoad()->trigger();
-  EXPECT_TRUE(window().lblLocation()->text().contains(QStringLiteral("Hall")));
-
-  window().butDir(0)->click();
-  bool asked = false;
-  QTimer guard;
-  guard.setSingleShot(true);
-  QObject::connect(&guard, &QTimer::timeout, [&] {
-    if (QWidget* modal = QApplication::activeModalWidget()) {
-      asked = true;
-      modal->close();
-    }
-  });
-  guard.start(50);
-  window().mnuSave()->trigger();
-  EXPECT_FALSE(asked);
-  QFile saved(path);
-  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
-  EXPECT_TRUE(saved.readAll().contains("Garden"));
-}
-
-TEST_F(GameWindowTest, MessageBoxesFollowTheSpecialMsgBoxSetting) {
-  Open();
-  player_->game().settings.special_msg_box = false;
-  QString text;
-  bool dun_box_seen = true;
-  WhenOpens<QMessageBox>([&](QMessageBox* box) {
-    dun_box_seen = AnyDunMsgBoxExists();
-    text = box->text();
-    box->button(QMessageBox::No)->click();
-  });
-  window().mnuRestart()->trigger();
-  EXPECT_FALSE(dun_box_seen);
-  EXPECT_EQ(text, QStringLiteral("Do you really want to restart this game from the beginning?"));
-
-  // With the setting on, the program's own box asks; Yes restarts.
-  player_->game().settings.special_msg_box = true;
-  Type(QStringLiteral("north"));
-  AnswerMessage(true, &text);
-  window().mnuRestart()->trigger();
-  EXPECT_TRUE(window().lblLocation()->text().contains(QStringLiteral("Hall")));
-  EXPECT_FALSE(Output().contains(QStringLiteral("> north")));
-}
-
-TEST_F(GameWindowTest, ClosingTheWindowAsksAndNoKeepsTheGame) {
-  Open();
-  QString text;
-  AnswerMessage(false, &text);
-  EXPECT_FALSE(window().close());
-  EXPECT_EQ(text, QStringLiteral("Do you really want to exit this game?"));
-  EXPECT_TRUE(window().isVisible());
-  EXPECT_TRUE(player_->game_open());
-
-  // Yes leaves the game; a game not named on the command line goes back to the launcher.
-  // Leaving the launcher ends the program.
-  AnswerMessage(true);
-  EXPECT_TRUE(window().close());
-  EXPECT_FALSE(window().isVisible());
-  EXPECT_FALSE(player_->game_open());
-  ASSERT_NE(host_.launcher(), nullptr);
-  EXPECT_TRUE(host_.launcher()->isVisible());
-  EXPECT_FALSE(host_.ending());
-  host_.launcher()->butExit()->click();
-  EXPECT_TRUE(host_.ending());
-}
-
-TEST_F(GameWindowTest, WithoutAGameTheLauncherOpensAndAGameChosenThereTakesItsPlace) {
-  Player::StartOptions start;
-  start.seed = 1;
-  EXPECT_EQ(player_->Start("", start), Player::Started::kLauncher);
-  ASSERT_NE(host_.launcher(), nullptr);
-  EXPECT_TRUE(host_.launcher()->isVisible());
-  EXPECT_FALSE(window().isVisible());
-
-  emit host_.launcher()->playGame(QString::fromStdString(kWindowGame));
-  EXPECT_TRUE(player_->game_open());
-  EXPECT_TRUE(window().isVisible());
-  EXPECT_FALSE(host_.launcher()->isVisible());
-
-  // Leaving the game comes back to the same launcher.
-  AnswerMessage(true);
-  window().mnuDifferentGame()->trigger();
-  EXPECT_FALSE(window().isVisible());
-  EXPECT_TRUE(host_.launcher()->isVisible());
-}
-
-TEST_F(GameWindowTest, ClosingTheWindowDuringAWaitEndsTheWait) {
-  Open();
-  DuringWait([&] {
-    AnswerMessage(true);
-    window().close();
-  });
-  Type(QStringLiteral("pause"));  // returns: the wait ended with the game
-  EXPECT_FALSE(window().isVisible());
-  EXPECT_FALSE(player_->game_open());
-  ASSERT_NE(host_.launcher(), nullptr);
-  EXPECT_TRUE(host_.launcher()->isVisible());
-}
-
-TEST_F(GameWindowTest, GameOverLeavesOnlyLoadingRestartingAndLeaving) {
-  Open();
-  Type(QStringLiteral("win"));
-  EXPECT_TRUE(Output().contains(QStringLiteral("You have won the window test!")));
-  EXPECT_FALSE(window().txtCommand()->isEnabled());
-  EXPECT_FALSE(window().butExecute()->isEnabled());
-  EXPECT_FALSE(window().butDir(5)->isEnabled());
-  EXPECT_FALSE(window().lstObjects()->isEnabled());
-  EXPECT_FALSE(window().mnuSave()->isEnabled());
-  EXPECT_FALSE(window().mnuGameInfo()->isEnabled());
-  EXPECT_TRUE(window().mnuLoad()->isEnabled());
-  EXPECT_TRUE(window().mnuRestart()->isEnabled());
-  EXPECT_TRUE(window().mnuDifferentGame()->isEnabled());
-  EXPECT_TRUE(window().lblStatus()->text().startsWith(QStringLiteral("GAME OVER")));
-}
-
-TEST_F(GameWindowTest, OptionsWindowOpensFromTheMenuAndItsLabelColoursApply) {
-  Open();
-  ASSERT_TRUE(window().mnuOptions()->isEnabled());
-  WhenOpens<frmOptions>([](frmOptions* options) {
-    options->txtLabelBackground()->setText(QStringLiteral("003366"));
-    options->butOK()->click();
-  });
-  window().mnuOptions()->trigger();
-  EXPECT_EQ(player_->game().settings.label_background_colour, "003366");
-  EXPECT_EQ(window().lblLocation()->palette().color(QPalette::Window), QColor(0x00, 0x33, 0x66));
-}
-
-TEST_F(GameWindowTest, LogWindowAndViewersFollowTheGame) {
-  Open();
-  window().mnuViewLog()->trigger();
-  frmGWLLog* log = window().LogWindow();
-  EXPECT_TRUE(log->isVisible());
-  EXPECT_TRUE(window().mnuViewLog()->isChecked());
-  EXPECT_TRUE(log->txtLog()->toPlainText().contains(QStringLiteral("Finished loading file.")));
-  log->close();
-  EXPECT_FALSE(window().mnuViewLog()->isChecked());
-  EXPECT_FALSE(player_->log_window_visible());
-
-  window().mnuViewVariables(VariableStore::kString)->trigger();
-  frmStringVariables* viewer = window().VariablesWindow(VariableStore::kString);
-  ASSERT_NE(viewer, nullptr);
-  EXPECT_EQ(viewer->windowTitle(), QStringLiteral("String variables"));
-  Type(QStringLiteral("set"));
-  QTableWidget* grid = viewer->grdVariables();
-  const QList<QTableWidgetItem*> found =
-      grid->findItems(QStringLiteral("colour"), Qt::MatchExactly);
-  ASSERT_EQ(found.size(), 1);
-  EXPECT_EQ(grid->item(found.front()->row(), 1)->text(), QStringLiteral("blue"));
-
-  window().mnuViewVariables(VariableStore::kNumeric)->trigger();
-  ASSERT_NE(window().VariablesWindow(VariableStore::kNumeric), nullptr);
-  EXPECT_EQ(window().VariablesWindow(VariableStore::kNumeric)->windowTitle(),
-            QStringLiteral("Numeric variables"));
-  window().mnuGameInfo()->trigger();
-  EXPECT_TRUE(Output().contains(QStringLiteral("> about")));
-
-  window().mnuViewVariables(VariableStore::kCollectable)->trigger();
-  frmStringVariables* collectables = window().VariablesWindow(VariableStore::kCollectable);
-  ASSERT_NE(collectables, nullptr);
-  EXPECT_EQ(collectables->windowTitle(), QStringLiteral("Collectables"));
-  EXPECT_FALSE(
-      collectables->grdVariables()->findItems(QStringLiteral("score"), Qt::MatchExactly).isEmpty());
-}
-
-TEST_F(GameWindowTest, EveryControlHasANameAndNewTextIsAnnouncedOncePerTurn) {
-  Open();
+  // Every control a player can reach has a name for a screen reader.
   for (QWidget* widget : window().findChildren<QWidget*>()) {
     const bool control = qobject_cast<QAbstractButton*>(widget) != nullptr ||
                          qobject_cast<QLineEdit*>(widget) != nullptr ||
@@ -606,7 +278,6 @@ TEST_F(GameWindowTest, EveryControlHasANameAndNewTextIsAnnouncedOncePerTurn) {
       EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
     }
   }
-
   // What a turn adds reaches the speech option (and a screen reader, through the toolkit's own
   // text events) once, as a whole, when the event loop runs again.
   QStringList added;
@@ -615,30 +286,177 @@ TEST_F(GameWindowTest, EveryControlHasANameAndNewTextIsAnnouncedOncePerTurn) {
   Type(QStringLiteral("look"));
   QApplication::processEvents();
   ASSERT_EQ(added.size(), 1);
-  EXPECT_TRUE(added.front().startsWith(QStringLiteral("> look\nYou are in Hall.")));
-  EXPECT_TRUE(added.front().contains(QStringLiteral("A plain hall.")));
+  EXPECT_TRUE(added.front().contains(QStringLiteral("> look\nYou are in Hall.")));
+  EXPECT_TRUE(added.front().endsWith(QStringLiteral("A plain hall.\n")));
   // Without a speech engine the option says so and stays off.
   if (!window().SpeechAvailable()) {
-    EXPECT_FALSE(window().mnuReadAloud()->isEnabled());
-    EXPECT_FALSE(window().mnuReadAloud()->isChecked());
+    EXPECT_FALSE(window().mnuReadAloud()->isEnabled() || window().mnuReadAloud()->isChecked());
     EXPECT_TRUE(window().mnuReadAloud()->text().contains(QStringLiteral("no speech engine")));
   }
 }
 
-TEST_F(GameWindowTest, PicturesOpenThePictureWindowOrANoteInTheLog) {
+TEST_F(GameWindowTest, ButtonsListsViewersAndMenusFollowTheGame) {
   Open();
+  // Direction buttons: north, out, help and northeast in the hall.
+  QTest::mouseClick(window().butDir(0), Qt::LeftButton);
+  EXPECT_EQ(Location(), QStringLiteral("Garden"));
+  EXPECT_EQ(Enabled(), "11111111 0110010000");  // south and west
+  EXPECT_TRUE(window().Timer1()->isActive()) << "a new room lights the label up";
+  QTest::mouseClick(window().butDir(1), Qt::LeftButton);
+  QTest::mouseClick(window().butDir(6), Qt::LeftButton);
+  EXPECT_EQ(Enabled(), "11111111 0000010001");  // southwest only
+  window().butDir(5)->click();
+  EXPECT_TRUE(Output().contains(QStringLiteral("> help")));
+  window().butDir(9)->click();
+
+  // Action buttons show per kind of entry and act on it.
+  ASSERT_EQ(window().lstObjects()->count(), 3);
+  EXPECT_TRUE(Choose().empty()) << "nothing is chosen yet";
+  EXPECT_EQ(Choose(QStringLiteral("Butler")), (std::vector<int>{1, 2}));
+  EXPECT_EQ(window().butDo(2)->accessibleName(), QStringLiteral("Speak to Butler"));
+  window().butDo(2)->click();
+  EXPECT_TRUE(Output().contains(QStringLiteral("> speak to Butler\n\"Good evening.\"")));
+  EXPECT_EQ(Choose(QStringLiteral("lamp")), (std::vector<int>{1, 3}));
+  window().butDo(3)->click();
+  EXPECT_TRUE(window().txtItems()->toPlainText().contains(QStringLiteral("lamp")));
+  // With the inventory shown come the collectables; a choice answered in its dialog scores.
+  ASSERT_EQ(window().lstCollectables()->count(), 1);
+  WhenOpens<frmSelection>([](frmSelection* selection) { selection->butOK()->click(); });
+  Type(QStringLiteral("pick"));
+  EXPECT_EQ(window().lstCollectables()->item(0)->text(), QStringLiteral("Score: 5"));
+  EXPECT_EQ(Choose(QStringLiteral("Kitchen")), (std::vector<int>{0, 1}));
+  window().butDo(0)->click();
+  EXPECT_TRUE(Output().contains(QStringLiteral("Pots and pans.")));
+  EXPECT_TRUE(Choose().empty()) << "a new room's list has nothing chosen";
+
+  // The log window and the viewers.
+  window().mnuViewLog()->trigger();
+  frmGWLLog* log = window().LogWindow();
+  EXPECT_TRUE(log->isVisible() && window().mnuViewLog()->isChecked());
+  EXPECT_TRUE(log->txtLog()->toPlainText().contains(QStringLiteral("Finished loading file.")));
+  log->close();
+  EXPECT_FALSE(window().mnuViewLog()->isChecked() || player_->log_window_visible());
+  // Each viewer has its caption and follows the game: "set" makes colour blue.
+  const std::pair<VariableStore, QString> viewers[] = {
+      {VariableStore::kString, "String variables|colour|blue"},
+      {VariableStore::kNumeric, "Numeric variables||"},
+      {VariableStore::kCollectable, "Collectables|score|5"}};
+  for (const auto& [store, shown] : viewers) window().mnuViewVariables(store)->trigger();
+  Type(QStringLiteral("set"));
+  for (const auto& [store, shown] : viewers) {
+    const frmStringVariables* viewer = window().VariablesWindow(store);
+    ASSERT_NE(viewer, nullptr);
+    const QTableWidget* grid = viewer->grdVariables();
+    const auto cell = [grid](int column) {
+      const QTableWidgetItem* item = grid->item(grid->rowCount() - 1, column);
+      return item != nullptr ? item->text() : QString();
+    };
+    EXPECT_EQ(viewer->windowTitle() + "|" + cell(0) + "|" + cell(1), shown);
+  }
+  window().mnuGameInfo()->trigger();
+  EXPECT_TRUE(Output().contains(QStringLiteral("> about")));
+
+  // Pictures open the picture window, or a note in the log.
   QTemporaryDir folder;
   const QString path = folder.filePath(QStringLiteral("map.png"));
-  QImage picture(64, 48, QImage::Format_RGB32);
-  picture.fill(Qt::darkGreen);
-  ASSERT_TRUE(picture.save(path));
+  ASSERT_TRUE(QImage(64, 48, QImage::Format_RGB32).save(path));
   services_.ShowPicture(path.toStdString());
   ASSERT_NE(services_.PictureWindow(), nullptr);
   EXPECT_TRUE(services_.PictureWindow()->isVisible());
   EXPECT_EQ(services_.PictureWindow()->PictureSize(), QSize(64, 48));
-
   services_.ShowPicture(folder.filePath(QStringLiteral("missing.png")).toStdString());
   EXPECT_NE(player_->log_text().find("Warning: Unable to show the picture"), std::string::npos);
+
+  // The options window opens from the menu and its label colours apply.
+  WhenOpens<frmOptions>([](frmOptions* options) {
+    options->txtLabelBackground()->setText(QStringLiteral("003366"));
+    options->butOK()->click();
+  });
+  window().mnuOptions()->trigger();
+  EXPECT_EQ(window().lblLocation()->palette().color(QPalette::Window), QColor(0x00, 0x33, 0x66));
+
+  // Game over leaves only loading, restarting and leaving.
+  Type(QStringLiteral("win"));
+  EXPECT_EQ(Enabled(), "00001101 0000000000");
+  EXPECT_TRUE(window().lblStatus()->text().startsWith(QStringLiteral("GAME OVER")));
+}
+
+TEST_F(GameWindowTest, SavingLoadingAndRestartingAskWhereTheyShould) {
+  QTemporaryDir folder;
+  const QString path = folder.filePath(QStringLiteral("progress.tsg"));
+  Open();
+  QStringList filters;
+  AnswerFileDialog(path, &filters);
+  window().mnuSaveAs()->trigger();
+  EXPECT_EQ(filters.join(";;"), QStringLiteral("Tarve saved game (*.tsg);;All files (*)"));
+  ASSERT_TRUE(QFile::exists(path));
+
+  // Save after loading a saved game overwrites it without asking.
+  window().butDir(0)->click();     // to the garden
+  player_->OpenGame(kWindowGame);  // a fresh game: nothing saved yet
+  AnswerFileDialog(path);
+  window().mnuLoad()->trigger();
+  EXPECT_EQ(Location(), QStringLiteral("Hall"));
+  window().butDir(0)->click();
+  bool asked = false;
+  QTimer guard;  // closes a dialog that should not open, so that the test does not hang
+  guard.callOnTimeout([&] {
+    if (QWidget* modal = QApplication::activeModalWidget()) asked = modal->close();
+  });
+  guard.start(50);
+  window().mnuSave()->trigger();
+  guard.stop();
+  EXPECT_FALSE(asked);
+  QFile saved(path);
+  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(saved.readAll().contains("Garden"));
+
+  // Restart asks in the platform's box, or with the setting on in the program's own; Yes
+  // restarts.
+  player_->game().settings.special_msg_box = false;
+  QString text;
+  bool own_box = true;
+  AnswerMessage(false, &text, &own_box);
+  window().mnuRestart()->trigger();
+  EXPECT_FALSE(own_box);
+  EXPECT_EQ(text, QStringLiteral("Do you really want to restart this game from the beginning?"));
+  EXPECT_EQ(Location(), QStringLiteral("Garden"));
+  player_->game().settings.special_msg_box = true;
+  AnswerMessage(true, nullptr, &own_box);
+  window().mnuRestart()->trigger();
+  EXPECT_TRUE(own_box);
+  EXPECT_EQ(Location(), QStringLiteral("Hall"));
+  EXPECT_FALSE(Output().contains(QStringLiteral("> north")));
+}
+
+TEST_F(GameWindowTest, LeavingTheGameAsksAndGoesBackToTheLauncher) {
+  // Without a game the launcher opens; a game chosen there takes its place.
+  EXPECT_EQ(player_->Start("", {}), Player::Started::kLauncher);
+  ASSERT_NE(host_.launcher(), nullptr);
+  EXPECT_EQ(Shown(), "-l-");
+  emit host_.launcher()->playGame(QString::fromStdString(kWindowGame));
+  EXPECT_EQ(Shown(), "w-g");
+  // Closing the window asks; No keeps the game.
+  QString text;
+  AnswerMessage(false, &text);
+  EXPECT_FALSE(window().close());
+  EXPECT_EQ(text, QStringLiteral("Do you really want to exit this game?"));
+  EXPECT_EQ(Shown(), "w-g");
+  // Yes, even during a wait, ends the wait and the game, and the launcher comes back.
+  DuringWait([&] {
+    AnswerMessage(true);
+    EXPECT_TRUE(window().close());
+  });
+  Type(QStringLiteral("pause"));  // returns: the wait ended with the game
+  EXPECT_EQ(Shown(), "-l-");
+  // Leaving for a different game comes back to the same launcher; leaving it ends the program.
+  emit host_.launcher()->playGame(QString::fromStdString(kWindowGame));
+  AnswerMessage(true);
+  window().mnuDifferentGame()->trigger();
+  EXPECT_EQ(Shown(), "-l-");
+  EXPECT_FALSE(host_.ending());
+  host_.launcher()->butExit()->click();
+  EXPECT_TRUE(host_.ending());
 }
 
 }  // namespace

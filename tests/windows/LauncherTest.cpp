@@ -1,37 +1,14 @@
 // The launcher and its list editor: the help line under the pointer, the installed games on
 // their buttons and scroll bar, Browse with Add and AutoInstall and their error boxes, the
 // requests the launcher hands to the program, and the edited list written back.
-#include <gtest/gtest.h>
-
-#include <QGroupBox>
-#include <QInputDialog>
-#include <QLabel>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QScrollBar>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTimer>
-#include <deque>
-#include <fstream>
-#include <functional>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "WindowTestSupport.h"
 #include "game/Game.h"
 #include "game/Host.h"
 #include "player/Settings.h"
 #include "player/SettingsStore.h"
-#include "player/windows/frmDunMsgBox.h"
 #include "player/windows/frmEditInstalledList.h"
 #include "player/windows/frmNewGame.h"
-
-// Failures name the texts, not their bytes.
-static void PrintTo(const QString& text, std::ostream* out) { *out << text.toStdString(); }
 
 namespace tarve {
 namespace {
@@ -43,35 +20,22 @@ class QuietHost : public OutputPane, public Dialogs, public GameWindow, public P
   int ShowMessage(const std::string&, const std::string&, int) override { return kAnswerOk; }
 };
 
-// What a message box showed.
-struct Box {
-  QString title;
-  QString text;
-};
-
-// Runs `step`, answering with OK every message box that opens meanwhile, and tells what each
-// one showed.
-std::vector<Box> AnswerBoxesDuring(const std::function<void()>& step) {
-  std::vector<Box> boxes;
+// Runs `step`, answering with OK every message box that opens meanwhile; tells the title and
+// text of each.
+QStringList AnswerBoxesDuring(const std::function<void()>& step) {
+  QStringList boxes;
   QTimer watch;
-  watch.setInterval(10);
   QObject::connect(&watch, &QTimer::timeout, [&boxes] {
-    QWidget* modal = QApplication::activeModalWidget();
+    auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (modal == nullptr) return;
-    Box seen{modal->windowTitle(), QString()};
-    if (auto* own = qobject_cast<frmDunMsgBox*>(modal)) {
-      seen.text = own->txtMessage()->toPlainText();
-      own->butOK()->click();
-    } else if (auto* platform = qobject_cast<QMessageBox*>(modal)) {
-      seen.text = platform->text();
-      platform->accept();
-    } else {
-      ADD_FAILURE() << "not a message box: " << modal->objectName().toStdString();
-      modal->close();
-    }
-    boxes.push_back(seen);
+    const auto* own = qobject_cast<frmDunMsgBox*>(modal);
+    const auto* platform = qobject_cast<QMessageBox*>(modal);
+    boxes << modal->windowTitle() + ": " +
+                 (own != nullptr ? own->txtMessage()->toPlainText()
+                                 : (platform != nullptr ? platform->text() : "not a box"));
+    modal->accept();
   });
-  watch.start();
+  watch.start(10);
   step();
   return boxes;
 }
@@ -87,12 +51,18 @@ class LauncherTest : public ::testing::Test {
     std::ofstream(path, std::ios::binary) << text;
     return path;
   }
-  void Install(int count) {
+  frmNewGame& Open(int installed = 0) {
     std::vector<InstalledGame> games;
-    for (int i = 1; i <= count; ++i) {
+    for (int i = 1; i <= installed; ++i) {
       games.push_back({"Game " + std::to_string(i), "/games/game" + std::to_string(i) + ".gwl"});
     }
-    ASSERT_TRUE(WriteInstalledGames(store, games));
+    if (installed > 0) {
+      EXPECT_TRUE(WriteInstalledGames(store, games));
+    }
+    launcher = std::make_unique<frmNewGame>(game, store, Chooser());
+    launcher->show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(launcher.get()));
+    return *launcher;
   }
   // The file dialogs answer from `chosen` in turn (cancelled when it runs out) and keep the
   // filters they were given.
@@ -107,21 +77,21 @@ class LauncherTest : public ::testing::Test {
       return answer;
     };
   }
-  std::vector<QString> ShownGames(const frmNewGame& launcher) {
-    std::vector<QString> shown;
+  QStringList ShownGames() {
+    QStringList shown;
     for (int slot = 0; slot < frmNewGame::kVisibleGames; ++slot) {
-      if (!launcher.butInstalledGame(slot)->isHidden()) {
-        shown.push_back(launcher.butInstalledGame(slot)->accessibleName());
+      if (!launcher->butInstalledGame(slot)->isHidden()) {
+        shown << launcher->butInstalledGame(slot)->accessibleName();
       }
     }
     return shown;
   }
   // Browses to `path` and, unless AutoInstall did, presses Add; returns the boxes that showed.
-  std::vector<Box> BrowseAndAdd(frmNewGame& launcher, const std::string& path) {
+  QStringList BrowseAndAdd(const std::string& path) {
     chosen.push_back(path);
     return AnswerBoxesDuring([&] {
-      launcher.butBrowse()->click();
-      if (!game.settings.auto_install) launcher.butAdd()->click();
+      launcher->butBrowse()->click();
+      if (!game.settings.auto_install) launcher->butAdd()->click();
     });
   }
 
@@ -131,180 +101,147 @@ class LauncherTest : public ::testing::Test {
   MemorySettingsStore store;
   std::deque<std::optional<std::string>> chosen;
   std::vector<QString> filters;
+  std::unique_ptr<frmNewGame> launcher;
 };
 
 TEST_F(LauncherTest, HelpLineExplainsTheControlUnderThePointerAndGoesBackOverTheRest) {
-  Install(12);
-  frmNewGame launcher(game, store, Chooser());
-  launcher.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&launcher));
-  EXPECT_TRUE(launcher.windowTitle().startsWith(QStringLiteral("Welcome to Tarve ")));
-  EXPECT_EQ(launcher.lblHelp()->text(), kDefaultHelp);
-
+  Open(12);
+  EXPECT_TRUE(launcher->windowTitle().startsWith(QStringLiteral("Welcome to Tarve ")));
+  EXPECT_EQ(launcher->lblHelp()->text(), kDefaultHelp);
   const std::vector<std::pair<QWidget*, QString>> controls = {
-      {launcher.butInstalledGame(0), "Click the name of the game you want to play"},
-      {launcher.butInstalledGame(2), "Click the name of the game you want to play"},
-      {launcher.butBrowse(), "Click here to load a game from disk"},
-      {launcher.butAdd(), "Click here to add this game to the list of 'Installed Games' above"},
-      {launcher.butPlay(), "Click here to play this game!"},
-      {launcher.butLoadSavedGame(),
+      {launcher->butInstalledGame(0), "Click the name of the game you want to play"},
+      {launcher->butInstalledGame(2), "Click the name of the game you want to play"},
+      {launcher->butBrowse(), "Click here to load a game from disk"},
+      {launcher->butAdd(), "Click here to add this game to the list of 'Installed Games' above"},
+      {launcher->butPlay(), "Click here to play this game!"},
+      {launcher->butLoadSavedGame(),
        "Click here to start a game you've previously played from where you last saved it"},
-      {launcher.butEditList(), "Click this button to change the list of 'Installed Games' above"},
-      {launcher.butOptions(), "Click here to set your preferences"},
-      {launcher.butExit(), "Click here to exit Tarve"}};
-  const std::vector<QWidget*> plain = {&launcher, launcher.frameInstalledGames(),
-                                       launcher.frameOtherGames(), launcher.lblGameFile(),
-                                       launcher.lblHelp()};
+      {launcher->butEditList(), "Click this button to change the list of 'Installed Games' above"},
+      {launcher->butOptions(), "Click here to set your preferences"},
+      {launcher->butExit(), "Click here to exit Tarve"}};
   for (const auto& [control, help] : controls) {
     // Straight from the control to each plain part of the window, and back.
-    for (QWidget* part : plain) {
+    for (QWidget* part : std::initializer_list<QWidget*>{
+             launcher.get(), launcher->frameInstalledGames(), launcher->frameOtherGames(),
+             launcher->lblGameFile(), launcher->lblHelp()}) {
       QTest::mouseMove(control);
-      EXPECT_EQ(launcher.lblHelp()->text(), help) << control->objectName().toStdString();
+      EXPECT_EQ(launcher->lblHelp()->text(), help) << control->objectName().toStdString();
       QTest::mouseMove(part, QPoint(2, 2));
-      EXPECT_EQ(launcher.lblHelp()->text(), kDefaultHelp)
-          << control->objectName().toStdString() << " to " << part->objectName().toStdString();
+      EXPECT_EQ(launcher->lblHelp()->text(), kDefaultHelp) << part->objectName().toStdString();
     }
   }
-
   // The scroll bar explains itself when it takes the keyboard focus.
-  launcher.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&launcher));
-  launcher.scrlGamePos()->setFocus(Qt::TabFocusReason);
-  EXPECT_EQ(launcher.lblHelp()->text(),
-            QStringLiteral("Scroll to see the complete list of installed games"));
+  launcher->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(launcher.get()));
+  launcher->scrlGamePos()->setFocus(Qt::TabFocusReason);
+  EXPECT_EQ(launcher->lblHelp()->text(), "Scroll to see the complete list of installed games");
 }
 
 TEST_F(LauncherTest, ShowsEightGamesAtOnceAndTheScrollBarMovesThemOneAStep) {
-  Install(20);
-  frmNewGame launcher(game, store, Chooser());
-  QSignalSpy played(&launcher, &frmNewGame::playGame);
-  launcher.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&launcher));
-  ASSERT_EQ(ShownGames(launcher).size(), 8u);
-  EXPECT_EQ(ShownGames(launcher).front(), QStringLiteral("Game 1"));
-  EXPECT_EQ(launcher.scrlGamePos()->maximum(), 12);
-  EXPECT_EQ(launcher.scrlGamePos()->pageStep(), 8);
-
-  launcher.scrlGamePos()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
-  EXPECT_EQ(ShownGames(launcher).front(), QStringLiteral("Game 2"));
-  launcher.butInstalledGame(7)->click();
-  ASSERT_EQ(played.count(), 1);
-  EXPECT_EQ(played.takeFirst().at(0).toString(), QStringLiteral("/games/game9.gwl"));
-
+  Open(20);
+  QSignalSpy played(launcher.get(), &frmNewGame::playGame);
+  QScrollBar* bar = launcher->scrlGamePos();
+  ASSERT_EQ(ShownGames().size(), 8);
+  EXPECT_EQ(ShownGames().front(), QStringLiteral("Game 1"));
+  EXPECT_EQ(bar->maximum(), 12);
+  EXPECT_EQ(bar->pageStep(), 8);
+  bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+  EXPECT_EQ(ShownGames().front(), QStringLiteral("Game 2"));
+  launcher->butInstalledGame(7)->click();
   // The keyboard walks down the buttons and, at the last, moves the list under it.
-  launcher.butInstalledGame(7)->setFocus();
-  QTest::keyClick(launcher.butInstalledGame(7), Qt::Key_Down);
-  EXPECT_EQ(ShownGames(launcher).back(), QStringLiteral("Game 10"));
-  EXPECT_TRUE(launcher.butInstalledGame(7)->hasFocus());
-  QTest::keyClick(launcher.butInstalledGame(7), Qt::Key_Space);
-  ASSERT_EQ(played.count(), 1);
-  EXPECT_EQ(played.takeFirst().at(0).toString(), QStringLiteral("/games/game10.gwl"));
-  QTest::keyClick(launcher.butInstalledGame(7), Qt::Key_PageDown);
-  EXPECT_EQ(ShownGames(launcher).back(), QStringLiteral("Game 18"));
+  launcher->butInstalledGame(7)->setFocus();
+  QTest::keyClick(launcher->butInstalledGame(7), Qt::Key_Down);
+  EXPECT_EQ(ShownGames().back(), QStringLiteral("Game 10"));
+  EXPECT_TRUE(launcher->butInstalledGame(7)->hasFocus());
+  QTest::keyClick(launcher->butInstalledGame(7), Qt::Key_Space);
+  ASSERT_EQ(played.count(), 2);
+  EXPECT_EQ(played.at(0).at(0).toString(), QStringLiteral("/games/game9.gwl"));
+  EXPECT_EQ(played.at(1).at(0).toString(), QStringLiteral("/games/game10.gwl"));
+  QTest::keyClick(launcher->butInstalledGame(7), Qt::Key_PageDown);
+  EXPECT_EQ(ShownGames().back(), QStringLiteral("Game 18"));
 
   // A short list hides the buttons it does not need and has nothing to scroll.
   ASSERT_TRUE(WriteInstalledGames(store, {{"Fish & Chips", "/games/fish.gwl"}}));
-  launcher.DisplayInstalledGames();
-  EXPECT_EQ(ShownGames(launcher), std::vector<QString>{QStringLiteral("Fish & Chips")});
-  EXPECT_EQ(launcher.butInstalledGame(0)->text(), QStringLiteral("Fish && Chips"));
-  EXPECT_FALSE(launcher.scrlGamePos()->isEnabled());
+  launcher->DisplayInstalledGames();
+  EXPECT_EQ(ShownGames(), QStringList{QStringLiteral("Fish & Chips")});
+  EXPECT_EQ(launcher->butInstalledGame(0)->text(), QStringLiteral("Fish && Chips"));
+  EXPECT_FALSE(bar->isEnabled());
 }
 
 TEST_F(LauncherTest, AddRefusesFilesWithoutATitleWithTheErrorBoxAndAddsTheRest) {
-  frmNewGame launcher(game, store, Chooser());
-  launcher.show();
-  EXPECT_FALSE(launcher.butAdd()->isEnabled());  // nothing browsed yet
-
+  Open();
+  EXPECT_FALSE(launcher->butAdd()->isEnabled());  // nothing browsed yet
   const std::string missing = folder.filePath("missing.gwl").toStdString();
-  std::vector<Box> boxes = BrowseAndAdd(launcher, missing);
-  ASSERT_EQ(boxes.size(), 1u);
-  EXPECT_EQ(boxes[0].title, QStringLiteral("Error"));
-  EXPECT_EQ(boxes[0].text, QString::fromStdString("Unable to add " + missing +
-                                                  " to the 'Installed Games' list\n"
-                                                  "- the file could not be opened."));
+  const auto refused = [](const std::string& path, const char* why) {
+    return QStringList{QString::fromStdString("Error: Unable to add " + path +
+                                              " to the 'Installed Games' list\n- " + why)};
+  };
+  EXPECT_EQ(BrowseAndAdd(missing), refused(missing, "the file could not be opened."));
   // A folder is no file either, this time told in the platform's own box.
   game.settings.special_msg_box = false;
-  boxes = BrowseAndAdd(launcher, folder.path().toStdString());
-  ASSERT_EQ(boxes.size(), 1u);
-  EXPECT_TRUE(boxes[0].text.endsWith(QStringLiteral("\n- the file could not be opened.")));
+  const std::string here = folder.path().toStdString();
+  EXPECT_EQ(BrowseAndAdd(here), refused(here, "the file could not be opened."));
   game.settings.special_msg_box = true;
-
   const std::string notes = Write("notes.txt", "define room <hall>\nend define\n");
-  boxes = BrowseAndAdd(launcher, notes);
-  ASSERT_EQ(boxes.size(), 1u);
-  EXPECT_EQ(boxes[0].text, QString::fromStdString("Unable to add " + notes +
-                                                  " to the 'Installed Games' list\n"
-                                                  "- the file appears to be invalid."));
-  EXPECT_TRUE(ShownGames(launcher).empty());
+  EXPECT_EQ(BrowseAndAdd(notes), refused(notes, "the file appears to be invalid."));
+  EXPECT_TRUE(ShownGames().empty());
   EXPECT_FALSE(store.Read("Games", "NumInstalled"));
 
   // A compiled game is listed by its path without being opened: this one does not even exist.
   const std::string compiled = folder.filePath("castle.cgw").toStdString();
-  EXPECT_TRUE(BrowseAndAdd(launcher, compiled).empty());
+  EXPECT_TRUE(BrowseAndAdd(compiled).empty());
   const std::string manor = Write("manor.gwl", "define game <The Manor>\nend define\n");
-  EXPECT_TRUE(BrowseAndAdd(launcher, manor).empty());
-  EXPECT_TRUE(BrowseAndAdd(launcher, manor).empty());  // the same file twice is two entries
-  EXPECT_EQ(ShownGames(launcher),
-            (std::vector<QString>{QString::fromStdString(compiled), QStringLiteral("The Manor"),
-                                  QStringLiteral("The Manor")}));
+  EXPECT_TRUE(BrowseAndAdd(manor).empty());
+  EXPECT_TRUE(BrowseAndAdd(manor).empty());  // the same file twice is two entries
+  EXPECT_EQ(ShownGames(),
+            (QStringList{QString::fromStdString(compiled), "The Manor", "The Manor"}));
   EXPECT_EQ(store.Read("Games", "NumInstalled"), "3");
   EXPECT_EQ(store.Read("Games", "File3"), manor);
 }
 
-TEST_F(LauncherTest, AutoInstallAddsTheBrowsedGameAtOnceAndPlayPlaysIt) {
+TEST_F(LauncherTest, AutoInstallAndWhatTheLauncherHandsToTheProgram) {
   game.settings.auto_install = true;
-  frmNewGame launcher(game, store, Chooser());
-  QSignalSpy played(&launcher, &frmNewGame::playGame);
-  launcher.show();
-
+  Open();
+  QSignalSpy played(launcher.get(), &frmNewGame::playGame);
+  QSignalSpy loaded(launcher.get(), &frmNewGame::loadSavedGame);
+  QSignalSpy options(launcher.get(), &frmNewGame::optionsRequested);
+  QSignalSpy exited(launcher.get(), &frmNewGame::exitRequested);
   const std::string invalid = Write("readme.txt", "no game in here\n");
-  const std::vector<Box> boxes = BrowseAndAdd(launcher, invalid);
-  ASSERT_EQ(boxes.size(), 1u);
-  EXPECT_EQ(boxes[0].title, QStringLiteral("Error"));
-  EXPECT_TRUE(boxes[0].text.endsWith(QStringLiteral("\n- the file appears to be invalid.")));
-  EXPECT_EQ(filters.at(0), QStringLiteral("All Tarve games (*.gwl *.cgw);;Tarve script files "
-                                          "(*.gwl);;Compiled Tarve script (*.cgw);;Text files "
-                                          "(*.txt);;All files (*)"));
+  const QStringList boxes = BrowseAndAdd(invalid);
+  ASSERT_EQ(boxes.size(), 1);
+  EXPECT_TRUE(boxes[0].startsWith("Error: ") && boxes[0].endsWith("appears to be invalid."));
+  EXPECT_EQ(filters.back(), QStringLiteral("All Tarve games (*.gwl *.cgw);;Tarve script files "
+                                           "(*.gwl);;Compiled Tarve script (*.cgw);;Text files "
+                                           "(*.txt);;All files (*)"));
   // The browsed file can still be played.
-  EXPECT_EQ(launcher.lblGameFile()->toolTip(), QString::fromStdString(invalid));
-  launcher.butPlay()->click();
-  ASSERT_EQ(played.count(), 1);
-  EXPECT_EQ(played.takeFirst().at(0).toString(), QString::fromStdString(invalid));
-
+  EXPECT_EQ(launcher->lblGameFile()->toolTip(), QString::fromStdString(invalid));
+  launcher->butPlay()->click();
   const std::string manor = Write("manor.gwl", "define game <Manor>\nend define\n");
-  chosen.push_back(manor);
-  launcher.butBrowse()->click();
-  EXPECT_EQ(ShownGames(launcher), std::vector<QString>{QStringLiteral("Manor")});
+  EXPECT_TRUE(BrowseAndAdd(manor).empty());
+  EXPECT_EQ(ShownGames(), QStringList{QStringLiteral("Manor")});
 
-  // Without AutoInstall, browsing only chooses.
+  // Without AutoInstall, browsing only chooses; a cancelled dialog keeps the game chosen before.
   game.settings.auto_install = false;
-  chosen.push_back(manor);
-  launcher.butBrowse()->click();
-  EXPECT_EQ(ShownGames(launcher).size(), 1u);
-  // A cancelled dialog keeps the game chosen before.
-  launcher.butBrowse()->click();
-  EXPECT_EQ(launcher.browsed_file(), manor);
-}
-
-TEST_F(LauncherTest, SavedGamesOptionsAndExitAreHandedToTheProgram) {
-  frmNewGame launcher(game, store, Chooser());
-  QSignalSpy loaded(&launcher, &frmNewGame::loadSavedGame);
-  QSignalSpy options(&launcher, &frmNewGame::optionsRequested);
-  QSignalSpy exited(&launcher, &frmNewGame::exitRequested);
-  launcher.show();
+  chosen.push_back(Write("other.gwl", "define game <Other>\nend define\n"));
+  launcher->butBrowse()->click();
+  launcher->butBrowse()->click();
+  EXPECT_EQ(ShownGames().size(), 1);
+  EXPECT_EQ(launcher->browsed_file(), folder.filePath("other.gwl").toStdString());
+  launcher->butPlay()->click();
+  ASSERT_EQ(played.count(), 2);
+  EXPECT_EQ(played.at(0).at(0).toString(), QString::fromStdString(invalid));
+  EXPECT_EQ(played.at(1).at(0).toString(), folder.filePath("other.gwl"));
 
   chosen.push_back("/saves/hall.tsg");
-  launcher.butLoadSavedGame()->click();
-  launcher.butLoadSavedGame()->click();  // cancelled: nothing to load
-  EXPECT_EQ(filters.at(0), QStringLiteral("Tarve saved game (*.tsg);;All files (*)"));
+  launcher->butLoadSavedGame()->click();
+  EXPECT_EQ(filters.back(), QStringLiteral("Tarve saved game (*.tsg);;All files (*)"));
+  launcher->butLoadSavedGame()->click();  // cancelled: nothing to load
   ASSERT_EQ(loaded.count(), 1);
   EXPECT_EQ(loaded.at(0).at(0).toString(), QStringLiteral("/saves/hall.tsg"));
-
-  launcher.butOptions()->click();
+  launcher->butOptions()->click();
   EXPECT_EQ(options.count(), 1);
-  launcher.butExit()->click();
-  EXPECT_EQ(exited.count(), 1);
-  launcher.close();  // the window's own close box leaves too
+  launcher->butExit()->click();
+  launcher->close();  // the window's own close box leaves too
   EXPECT_EQ(exited.count(), 2);
 }
 
@@ -313,79 +250,46 @@ TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) 
                                           {"Barn", "/g/barn.gwl"},
                                           {"Cellar", "/g/cellar.gwl"},
                                           {"Dungeon", "/g/dungeon.gwl"}}));
-  frmNewGame launcher(game, store, Chooser());
-  launcher.show();
-  QString input_title, input_prompt, input_text;
-  WhenModalOpens([&](QWidget* modal) {
-    auto* editor = qobject_cast<frmEditInstalledList*>(modal);
-    ASSERT_NE(editor, nullptr);
-    EXPECT_EQ(editor->lstGames()->count(), 4);
-    editor->lstGames()->setCurrentRow(1);
+  Open();
+  QString input_title, input_prompt;
+  WhenOpens<frmEditInstalledList>([&](frmEditInstalledList* editor) {
+    QListWidget* list = editor->lstGames();
+    list->setCurrentRow(1);
     EXPECT_EQ(editor->lblGameFile()->text(), QStringLiteral("/g/barn.gwl"));
-
-    WhenModalOpens([&](QWidget* box) {
-      auto* input = qobject_cast<QInputDialog*>(box);
-      ASSERT_NE(input, nullptr);
-      input_title = input->windowTitle();
-      input_prompt = input->labelText();
-      input_text = input->textValue();
-      input->setTextValue(QStringLiteral("Big Barn"));
-      input->accept();
-    });
+    AnswerInput(QStringLiteral("Big Barn"), &input_title, &input_prompt);
     editor->butEditName()->click();
-    EXPECT_EQ(editor->lstGames()->item(1)->text(), QStringLiteral("Big Barn"));
-
     chosen.push_back("/g/barn2.cgw");
     editor->butChangeFile()->click();
     EXPECT_EQ(filters.back(), DialogFilter(kGameFileFilter));
     EXPECT_EQ(editor->lblGameFile()->text(), QStringLiteral("/g/barn2.cgw"));
-
     editor->butMove()->click();  // Big Barn goes above Attic and stays chosen
-    EXPECT_EQ(editor->lstGames()->currentRow(), 0);
-    editor->lstGames()->setCurrentRow(2);
+    EXPECT_EQ(list->currentRow(), 0);
+    list->setCurrentRow(2);
     editor->butRemove()->click();  // Cellar
-    EXPECT_EQ(editor->lstGames()->currentItem()->text(), QStringLiteral("Dungeon"));
-    // The keys of the list: Delete removes, Ctrl+Up moves.
-    QTest::keyClick(editor->lstGames(), Qt::Key_Up, Qt::ControlModifier);
-    EXPECT_EQ(editor->lstGames()->item(1)->text(), QStringLiteral("Dungeon"));
+    EXPECT_EQ(list->currentItem()->text(), QStringLiteral("Dungeon"));
+    QTest::keyClick(list, Qt::Key_Up, Qt::ControlModifier);  // Ctrl+Up moves
     // Past either end an entry comes round to the other end.
     for (Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Up, Qt::Key_Up}) {
-      QTest::keyClick(editor->lstGames(), key, Qt::ControlModifier);
+      QTest::keyClick(list, key, Qt::ControlModifier);
     }
-    EXPECT_EQ(editor->lstGames()->item(1)->text(), QStringLiteral("Dungeon"));
-    EXPECT_EQ(editor->lstGames()->currentRow(), 1);
-    // Nothing is written while the editor is open.
-    EXPECT_EQ(store.Read("Games", "Name3"), "Cellar");
+    EXPECT_EQ(list->currentRow(), 1);
+    EXPECT_EQ(store.Read("Games", "Name3"), "Cellar") << "nothing is written while it is open";
     editor->butClose()->click();
   });
-  launcher.butEditList()->click();
-
-  EXPECT_EQ(input_title, QStringLiteral("Edit Name"));
-  EXPECT_EQ(input_prompt, QStringLiteral("Enter new name for this game:"));
-  EXPECT_EQ(input_text, QStringLiteral("Barn"));
+  launcher->butEditList()->click();
+  EXPECT_EQ(input_title + "|" + input_prompt, "Edit Name|Enter new name for this game:");
   EXPECT_EQ(store.Read("Games", "NumInstalled"), "3");
-  EXPECT_EQ(store.Read("Games", "Name1"), "Big Barn");
   EXPECT_EQ(store.Read("Games", "File1"), "/g/barn2.cgw");
-  EXPECT_EQ(store.Read("Games", "Name2"), "Dungeon");
-  EXPECT_EQ(store.Read("Games", "Name3"), "Attic");
-  EXPECT_FALSE(store.Read("Games", "Name4"));
-  EXPECT_FALSE(store.Read("Games", "File4"));
+  EXPECT_FALSE(store.Read("Games", "Name4") || store.Read("Games", "File4"));
   // The launcher shows the list as it now stands.
-  EXPECT_EQ(ShownGames(launcher),
-            (std::vector<QString>{QStringLiteral("Big Barn"), QStringLiteral("Dungeon"),
-                                  QStringLiteral("Attic")}));
+  EXPECT_EQ(ShownGames(), (QStringList{"Big Barn", "Dungeon", "Attic"}));
 
   // From the keyboard: Delete removes, Enter renames, and Escape closes the editor and keeps
   // its changes too.
   frmEditInstalledList editor(store, Chooser());
-  WhenModalOpens([&](QWidget*) {
+  WhenOpens<QWidget>([&](QWidget*) {
     QTest::keyClick(editor.lstGames(), Qt::Key_Delete);
-    WhenModalOpens([](QWidget* box) {
-      auto* input = qobject_cast<QInputDialog*>(box);
-      ASSERT_NE(input, nullptr);
-      input->setTextValue(QStringLiteral("Deep Dungeon"));
-      input->accept();
-    });
+    AnswerInput(QStringLiteral("Deep Dungeon"));
     QTest::keyClick(editor.lstGames(), Qt::Key_Return);
     PressKey(&editor, Qt::Key_Escape);
   });

@@ -1,25 +1,82 @@
-// Helpers for the window tests: acting on a modal window from inside its own event loop, and
+// Helpers for the window tests: answering a modal window from inside its own event loop, and
 // pressing keys where the player's keyboard focus is.
 #pragma once
 
-#include <QApplication>
-#include <QTest>
-#include <QTimer>
-#include <QWidget>
+#include <gtest/gtest.h>
+
+#include <QtTest>
+#include <QtWidgets>
+#include <deque>
+#include <fstream>
 #include <functional>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <tuple>
 #include <utility>
+#include <vector>
+
+#include "player/windows/frmDunMsgBox.h"
+
+// Failures name the texts, not their bytes.
+inline void PrintTo(const QString& text, std::ostream* out) { *out << text.toStdString(); }
 
 namespace tarve {
 
-// Runs `act` on the application's modal window once it has opened. Give up after about five
-// seconds, so a dialog that never opens fails its test instead of hanging it.
-inline void WhenModalOpens(std::function<void(QWidget*)> act, int tries = 500) {
+// Runs `act` on the application's modal window once one of kind `Dialog` has opened; other
+// modal windows that open first are left to their own answers. A loaded machine can take
+// seconds to open a file dialog, so this waits up to about thirty seconds; then the test fails
+// and whatever modal window is open is closed, so that the test never hangs.
+template <typename Dialog>
+void WhenOpens(std::function<void(Dialog*)> act, int tries = 3000) {
   QTimer::singleShot(10, [act = std::move(act), tries]() mutable {
-    if (QWidget* modal = QApplication::activeModalWidget()) {
-      act(modal);
+    if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
+      act(dialog);
     } else if (tries > 0) {
-      WhenModalOpens(std::move(act), tries - 1);
+      WhenOpens<Dialog>(std::move(act), tries - 1);
+    } else {
+      ADD_FAILURE() << "the expected dialog did not open";
+      if (QWidget* modal = QApplication::activeModalWidget()) modal->close();
     }
+  });
+}
+
+inline bool AnyDunMsgBoxExists() {
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (qobject_cast<frmDunMsgBox*>(window) != nullptr) return true;
+  }
+  return false;
+}
+
+// Answers the next message box, whichever kind it is, with Yes/OK (`yes`) or No/Cancel, and
+// records its text and whether it was the program's own box.
+inline void AnswerMessage(bool yes, QString* text = nullptr, bool* own_box = nullptr) {
+  WhenOpens<QDialog>([=](QDialog* modal) {
+    if (own_box != nullptr) *own_box = AnyDunMsgBoxExists();
+    if (auto* own = qobject_cast<frmDunMsgBox*>(modal)) {
+      if (text != nullptr) *text = own->txtMessage()->toPlainText();
+      (yes ? own->butOK() : own->butCancel())->click();
+    } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+      if (text != nullptr) *text = box->text();
+      QAbstractButton* button = box->button(yes ? QMessageBox::Yes : QMessageBox::No);
+      if (button == nullptr) button = box->button(yes ? QMessageBox::Ok : QMessageBox::Cancel);
+      button->click();
+    } else {
+      ADD_FAILURE() << "expected a message box";
+      modal->close();
+    }
+  });
+}
+
+// Answers the next input box with `answer`, recording its title and prompt.
+inline void AnswerInput(const QString& answer, QString* title = nullptr,
+                        QString* prompt = nullptr) {
+  WhenOpens<QInputDialog>([=](QInputDialog* box) {
+    if (title != nullptr) *title = box->windowTitle();
+    if (prompt != nullptr) *prompt = box->labelText();
+    box->setTextValue(answer);
+    box->accept();
   });
 }
 
