@@ -20,62 +20,27 @@ namespace {
 using namespace std::string_literals;
 using Lines = std::vector<std::string>;
 
-void Put(std::string& out, std::uint32_t value, int bytes) {
-  for (int i = 0; i < bytes; ++i) out.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
-}
+// 53 bytes, one track, 96 ticks to the quarter note: a piano plays C, E and G loudly (half a
+// second each), then the track ends.
+const std::string kThreeNotes =
+    "MThd\0\0\0\x06\0\0\0\x01\0\x60MTrk\0\0\0\x1F\x00\xC0\x00"
+    "\x00\x90\x3C\x7F\x60\x80\x3C\x40\x00\x90\x40\x7F\x60\x80\x40\x40"
+    "\x00\x90\x43\x7F\x60\x80\x43\x40\x00\xFF\x2F\x00"s;
 
-// One track, 96 ticks to the quarter note: a piano plays C, E and G loudly, 1.5 seconds in all.
-std::string ThreeNotes() {
-  const std::string events =
-      "\x00\xC0\x00"                      // piano
-      "\x00\x90\x3C\x7F\x60\x80\x3C\x40"  // C
-      "\x00\x90\x40\x7F\x60\x80\x40\x40"  // E
-      "\x00\x90\x43\x7F\x60\x80\x43\x40"  // G
-      "\x00\xFF\x2F\x00"s;                // end of track
-  return "MThd\0\0\0\x06\0\0\0\x01\0\x60MTrk\0\0\0"s + static_cast<char>(events.size()) + events;
+// A mono 16-bit wave file at 22050 Hz in `format` (1 = PCM): 0.2 seconds of silence.
+std::string Wave(char format) {
+  return "RIFF\x98\x22\0\0WAVEfmt \x10\0\0\0"s + format +
+         "\0\x01\0\x22\x56\0\0\x44\xAC\0\0\x02\0\x10\0data\x74\x22\0\0"s + std::string(8820, '\0');
 }
-
-// The same music as a RIFF MIDI file, the form Windows programs also write.
-std::string InRiff(const std::string& midi) {
-  std::string file = "RIFF";
-  Put(file, static_cast<std::uint32_t>(midi.size() + 12), 4);
-  file += "RMIDdata";
-  Put(file, static_cast<std::uint32_t>(midi.size()), 4);
-  return file + midi;
-}
-
-// A mono 16-bit wave file in `format` (1 = PCM) holding `samples` samples of silence.
-std::string Wave(std::uint16_t format, std::uint32_t samples) {
-  std::string out = "RIFF";
-  Put(out, 36 + samples * 2, 4);
-  out += "WAVEfmt ";
-  for (const auto& [value, bytes] : {std::pair{16u, 4},
-                                     {format, 2},
-                                     {1u, 2},
-                                     {22050u, 4},
-                                     {44100u, 4},
-                                     {2u, 2},
-                                     {16u, 2},
-                                     {0x61746164u, 4}}) {
-    Put(out, value, bytes);  // the last is the "data" chunk's name
-  }
-  Put(out, samples * 2, 4);
-  return out + std::string(samples * 2, '\0');
-}
-
-struct Log {
-  Lines lines;
-  auto Sink() {
-    return [this](std::string_view line) { lines.emplace_back(line); };
-  }
-};
 
 TEST(MidiPlayer, RenderedMusicIsHeardForAsLongAsThePieceLasts) {
   const std::string soundfont = FindSoundFont();
   ASSERT_FALSE(soundfont.empty()) << "scripts/install-deps.sh installs a General MIDI SoundFont";
   test::TempDir dir;
+  // The second is the same music as a RIFF MIDI file, the form Windows programs also write.
   for (const std::string& midi :
-       {dir.Write("tune.mid", ThreeNotes()), dir.Write("tune.rmi", InRiff(ThreeNotes()))}) {
+       {dir.Write("tune.mid", kThreeNotes),
+        dir.Write("tune.rmi", "RIFF\x41\0\0\0RMIDdata\x35\0\0\0"s + kThreeNotes)}) {
     SCOPED_TRACE(midi);
     std::string error;
     ASSERT_TRUE(RenderMidiToFile(midi, soundfont, midi + ".wav", error)) << error;
@@ -109,10 +74,13 @@ TEST(MidiPlayer, RenderedMusicIsHeardForAsLongAsThePieceLasts) {
 TEST(Sounds, EachKindIsReportedUnavailableOnceOrPlaysStopsAndReplays) {
   ASSERT_EQ(QCoreApplication::instance(), nullptr);
   test::TempDir dir;
-  const std::string tune = dir.Write("tune.mid", ThreeNotes());
-  const std::string tone = dir.Write("tone.wav", Wave(1, 4410));
-  const std::string adpcm = dir.Write("adpcm.wav", Wave(2, 100));
-  const auto play = [&](MidiPlayer& midi, WavePlayer& wave) {
+  const std::string tune = dir.Write("tune.mid", kThreeNotes);
+  const std::string tone = dir.Write("tone.wav", Wave(1));
+  const std::string adpcm = dir.Write("adpcm.wav", Wave(2));
+  Lines log;
+  const auto play = [&](MidiPlayer&& midi, WavePlayer&& wave) {
+    midi.Stop();
+    wave.Stop();
     midi.Play(tune);
     midi.Stop();
     midi.Play(tune);
@@ -122,36 +90,26 @@ TEST(Sounds, EachKindIsReportedUnavailableOnceOrPlaysStopsAndReplays) {
     wave.Stop();
     wave.Play(tone, true);
   };
-  Log log;
-  {
-    MidiPlayer midi(log.Sink(), dir.path() + "/none.sf2");
-    WavePlayer wave(log.Sink());
-    midi.Stop();
-    wave.Stop();
-    wave.Play(adpcm, true);
-    play(midi, wave);
-  }
-  EXPECT_EQ(log.lines, (Lines{"Warning: Unable to play the sound " + adpcm +
-                                  ": only uncompressed wave files can be played.",
-                              "Warning: MIDI music is unavailable: no SoundFont was found.",
-                              "Warning: Wave sounds are unavailable: the player has no Qt "
-                              "application to play them with."}));
+  const auto sink = [&log](std::string_view line) { log.emplace_back(line); };
+  WavePlayer(sink).Play(adpcm, true);
+  play(MidiPlayer(sink, dir.path() + "/none.sf2"), WavePlayer(sink));
+  EXPECT_EQ(log, (Lines{"Warning: Unable to play the sound " + adpcm +
+                            ": only uncompressed wave files can be played.",
+                        "Warning: MIDI music is unavailable: no SoundFont was found.",
+                        "Warning: Wave sounds are unavailable: the player has no Qt application "
+                        "to play them with."}));
   int argc = 1;
   char name[] = "platform_tests";
   char* argv[] = {name, nullptr};
   QCoreApplication app(argc, argv);
-  log.lines.clear();
-  {
-    MidiPlayer midi(log.Sink());
-    WavePlayer wave(log.Sink());
-    play(midi, wave);
-  }
-  for (const std::string& line : log.lines) {
+  log.clear();
+  play(MidiPlayer(sink), WavePlayer(sink));
+  for (const std::string& line : log) {
     EXPECT_TRUE(line == "Warning: MIDI music is unavailable: no audio output device was found." ||
                 line == "Warning: Wave sounds are unavailable: no audio output device was found.")
         << line;
   }
-  EXPECT_LE(log.lines.size(), 2u);
+  EXPECT_LE(log.size(), 2u);
 }
 
 }  // namespace
