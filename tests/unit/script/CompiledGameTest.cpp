@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "base/Files.h"
 #include "script/CompiledGame.h"
 #include "script/GameReader.h"
 #include "support/TestSupport.h"
@@ -9,81 +8,68 @@ namespace tarve {
 namespace {
 
 using namespace std::string_literals;
-using test::TempDir;
-using test::TestGame;
 using Lines = std::vector<std::string>;
 
-KeywordTable ShippedTable() {
-  std::string text;
-  EXPECT_TRUE(ReadWholeFile(std::string(TARVE_SOURCE_DATA) + "/tarve.dat", text));
-  std::vector<std::string> problems;
-  KeywordTable table = ParseKeywordTable(text, problems);
-  EXPECT_TRUE(problems.empty());
-  return table;
-}
-
-// A game with a small hand-made table: !cr 1, !quote 2, !unknown 3, msg 10, room 11, define 12,
-// text 13, end 14.
+// A game with the shipped keyword table or a small hand-made one: !cr 1, !quote 2, !unknown 3,
+// msg 10, room 11, define 12, text 13, end 14.
 struct Reader {
-  Reader() {
+  explicit Reader(bool shipped = false) {
     std::vector<std::string> problems;
     t.game.keywords = ParseKeywordTable(
         "!cr;1, !quote;2, !unknown;3, msg;10, room;11, define;12, text;13, end;14", problems);
+    t.game.program_folder = TARVE_SOURCE_DATA;
+    EXPECT_TRUE(!shipped || (LoadKeywordTable(t.game) && t.host.log.empty()));
   }
   Lines Read(std::string_view bytes) {
     Lines lines;
     ReadCompiledGame(t.game, bytes, lines);
     return lines;
   }
-  TempDir dir;
-  TestGame t{dir};
+  test::TempDir dir;
+  test::TestGame t{dir};
 };
 
 TEST(KeywordTable, ReadsFieldsReportsBadCodesAndKeepsTheMarkerCodesFree) {
   std::vector<std::string> problems;
-  KeywordTable table = ParseKeywordTable(
+  const KeywordTable table = ParseKeywordTable(
       "#comment, msg ; 10, look;300, nocode, \"say;11\"\r\ngive;10.5, room;12", problems);
-  EXPECT_EQ(table.entries[10], "msg");
-  EXPECT_EQ(table.entries[11], "say");
-  EXPECT_EQ(table.entries[12], "room");
+  EXPECT_EQ(Lines(&table.entries[10], &table.entries[13]), (Lines{"msg", "say", "room"}));
   EXPECT_EQ(table.CodeOf("look"), -1);
-  ASSERT_EQ(problems.size(), 3u);
-  EXPECT_EQ(problems[0],
-            "Error: tarve.dat entry 'look;300' has a code outside 0 to 255; it is ignored.");
-  EXPECT_EQ(problems[1], "Warning: tarve.dat entry 'nocode' has no code; it is ignored.");
-
-  table = ShippedTable();
-  for (const char* entry : {"!cr", "!quote", "!unknown"}) EXPECT_GE(table.CodeOf(entry), 0);
-  for (int code : {0, 253, 254}) EXPECT_EQ(table.entries[code], "") << code;
+  EXPECT_EQ(problems, (Lines{"Error: tarve.dat entry 'look;300' has a code outside 0 to 255; it "
+                             "is ignored.",
+                             "Warning: tarve.dat entry 'nocode' has no code; it is ignored.",
+                             problems.back()}));
+  const KeywordTable shipped = Reader(true).t.game.keywords;
+  for (const char* entry : {"!cr", "!quote", "!unknown"}) EXPECT_GE(shipped.CodeOf(entry), 0);
+  for (int code : {0, 253, 254}) EXPECT_EQ(shipped.entries[code], "") << code;
 }
 
 TEST(KeywordTable, AnEmptyOrMissingTableCannotWriteOrOpenCompiledGames) {
   std::vector<std::string> problems;
-  const KeywordTable empty = ParseKeywordTable("", problems);
-  EXPECT_TRUE(empty.loaded);
-  CompileGame(empty, {"msg <x>"}, problems);
-  EXPECT_EQ(problems, (Lines{"Error: The keyword table lacks the !cr, !quote or !unknown entry."}));
   Reader r;
-  r.t.game.keywords = empty;  // every byte is a code without an entry: one line of blanks
+  r.t.game.keywords = ParseKeywordTable("", problems);
+  EXPECT_TRUE(r.t.game.keywords.loaded);
+  CompileGame(r.t.game.keywords, {"msg <x>"}, problems);
+  EXPECT_EQ(problems, (Lines{"Error: The keyword table lacks the !cr, !quote or !unknown entry."}));
+  // Every byte is a code without an entry: one line of blanks.
   EXPECT_EQ(r.Read("TCGF001\0\x01\x02\x00\xFE\xFD"s), (Lines{""}));
 
-  TestGame t(r.dir);
-  EXPECT_FALSE(LoadKeywordTable(t.game));
-  EXPECT_EQ(t.host.log.back(), "Warning: Unable to read " + r.dir.path() +
-                                   "/program/tarve.dat; compiled games cannot be opened.");
-  EXPECT_FALSE(ReadGameFile(t.game, r.dir.Write("game.cgw", "TCGF001\0"s)));
-  EXPECT_EQ(t.host.log.back(),
+  r.t.game.program_folder = r.dir.path();
+  EXPECT_FALSE(LoadKeywordTable(r.t.game));
+  EXPECT_EQ(r.t.host.log.back(), "Warning: Unable to read " + r.dir.path() +
+                                     "/tarve.dat; compiled games cannot be opened.");
+  EXPECT_FALSE(ReadGameFile(r.t.game, r.dir.Write("game.cgw", "TCGF001\0"s)));
+  EXPECT_EQ(r.t.host.log.back(),
             "Error: Compiled games cannot be opened without the keyword table tarve.dat.");
 }
 
 TEST(CompiledGameReader, DecodesTokensQuotesLiteralsAndTextBlocks) {
-  Reader r;
   EXPECT_EQ(
-      r.Read("TCGF001\x7F"s + "\x0C\x0B\x02\xB7\x8E\x00\x01"s +  // define room <Hq>
-             "\x0A\x03"s + "Caf\xE9!\xFE\x01"s +                 // msg Café!
-             "\x0C\x0D\x02\x9E\x00\x01"s +                       // define text <a>
-             "\xDF\xDF\x97\x96\x00\x00\xB5\xFD"s +               // "  hi", "", "J"
-             "\x0E\x0C\x01"s),                                   // end define
+      Reader().Read("TCGF001\x7F"s + "\x0C\x0B\x02\xB7\x8E\x00\x01"s +  // define room <Hq>
+                    "\x0A\x03"s + "Caf\xE9!\xFE\x01"s +                 // msg Café!
+                    "\x0C\x0D\x02\x9E\x00\x01"s +                       // define text <a>
+                    "\xDF\xDF\x97\x96\x00\x00\xB5\xFD"s +               // "  hi", "", "J"
+                    "\x0E\x0C\x01"s),                                   // end define
       (Lines{"define room <Hq>", "msg Café!", "define text <a>", "  hi", "", "J", "end define"}));
 }
 
@@ -109,13 +95,12 @@ TEST(CompiledGameReader, RejectsOtherFilesAndSurvivesDamage) {
 }
 
 TEST(CompiledGameReader, ReadsEveryTruncationOfAGameWithoutHarm) {
+  Reader r(true);
   std::vector<std::string> problems;
   const std::string compiled = CompileGame(
-      ShippedTable(),
+      r.t.game.keywords,
       {"define game <G>", "  msg <a b>", "weird<word>", "define text <t>", "  x", "end define"},
       problems);
-  Reader r;
-  r.t.game.keywords = ShippedTable();
   for (std::size_t length = 0; length <= compiled.size(); ++length) {
     Lines lines;
     EXPECT_EQ(ReadCompiledGame(r.t.game, std::string_view(compiled).substr(0, length), lines),
@@ -126,17 +111,16 @@ TEST(CompiledGameReader, ReadsEveryTruncationOfAGameWithoutHarm) {
 // Lines whose tokens would not join back to the same text are stored whole; every transcript's
 // game is also replayed compiled, which shows the ordinary lines.
 TEST(CompiledGameWriter, StoresOddLinesWholeAndReportsCharactersItCannotStore) {
+  Reader r(true);
   const Lines source = {"odd<spacing>here", "msg  <two blanks>", "define text <t>",
                         "    <b>kept</b> | as is", "end define"};
   std::vector<std::string> problems;
-  const std::string compiled = CompileGame(ShippedTable(), source, problems);
+  const std::string compiled = CompileGame(r.t.game.keywords, source, problems);
   EXPECT_TRUE(problems.empty());
-  Reader r;
-  r.t.game.keywords = ShippedTable();
   EXPECT_EQ(r.Read(compiled), source);
   EXPECT_EQ(compiled.find("define"), std::string::npos);  // keywords are stored as codes
 
-  CompileGame(ShippedTable(), {"msg <snowman ☃>", "msg þorn", "msg <ÿ>"}, problems);
+  CompileGame(r.t.game.keywords, {"msg <snowman ☃>", "msg þorn", "msg <ÿ>"}, problems);
   EXPECT_EQ(problems, (Lines{"Error: Line 1 holds a character that a compiled game cannot store: "
                              "msg <snowman ☃>",
                              "Error: Line 2 holds the character 'þ', which a compiled game cannot "
