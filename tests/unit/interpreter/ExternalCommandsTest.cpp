@@ -2,8 +2,6 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <string>
-#include <vector>
 
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Variables.h"

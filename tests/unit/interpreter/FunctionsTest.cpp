@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <set>
-#include <string>
 
 #include "interpreter/Functions.h"
 #include "interpreter/Variables.h"

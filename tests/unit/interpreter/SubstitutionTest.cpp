@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
 
 #include "base/Text.h"
 #include "interpreter/ExecuteScript.h"

@@ -3,7 +3,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <string>
 
 #include "platform/DocumentTypes.h"
 #include "platform/QtSettingsStore.h"

@@ -4,11 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <string>
-#include <vector>
 
 #include "platform/MidiPlayer.h"
 #include "platform/WavePlayer.h"
