@@ -39,38 +39,7 @@ TEST(LineText, PrefixesKeywordsParametersAndBlockTypes) {
                                "Error: Expected a <...> parameter in 'msg >a<'"}));
 }
 
-TEST(BlockIndex, IndexesTopLevelBlocksAndFindsTheFirstByTypeAndExactName) {
-  TempDir dir;
-  TestGame t(dir);
-  ASSERT_TRUE(ReadSource(t, dir,
-                         "define room <Hall>\n"
-                         "  define object <lamp>\n"
-                         "  end define\n"
-                         "end define\n"
-                         "  Define Room <Cellar>\n"
-                         "end define\n"
-                         "define room <Hall>\n"
-                         "end define\n"));
-  EXPECT_EQ(t.game.text.BlockCount(), 3);
-  EXPECT_EQ(FindBlock(t.game, "object"), BlockRange{});  // nested blocks have no record
-  EXPECT_EQ(FindBlockByName(t.game, "room", "Hall"), (BlockRange{1, 4}));
-  EXPECT_EQ(FindBlockByName(t.game, "room", "hall"), BlockRange{});
-  EXPECT_EQ(FindBlockByName(t.game, "room", "Cellar"), BlockRange{});
-  EXPECT_EQ(FindBlockByName(t.game, "e", "Cellar"), (BlockRange{5, 6}));
-  // Added blocks are found, and earlier ones keep precedence.
-  ASSERT_TRUE(AddLine(t.game.text, "define procedure <q>"));
-  ASSERT_TRUE(AddLine(t.game.text, "end define"));
-  AddBlock(t.game.text, 9, 10);
-  EXPECT_EQ(FindBlockByName(t.game, "procedure", "q"), (BlockRange{9, 10}));
-  EXPECT_EQ(FindBlockByName(t.game, "room", "Hall"), (BlockRange{1, 4}));
-
-  GameText text;
-  for (int i = 0; i < kMaxGameLines; ++i) ASSERT_TRUE(AddLine(text, "x"));
-  EXPECT_FALSE(AddLine(text, "one too many"));
-  EXPECT_EQ(text.LineCount(), kMaxGameLines);
-}
-
-TEST(FindTagInBlock, SkipsNestedBlocksAndMatchesByPrefix) {
+TEST(BlockIndex, IndexesTopLevelBlocksAndFindsBlocksAndTagsByTypeAndExactName) {
   TempDir dir;
   TestGame t(dir);
   ASSERT_TRUE(ReadSource(t, dir,
@@ -82,14 +51,37 @@ TEST(FindTagInBlock, SkipsNestedBlocksAndMatchesByPrefix) {
                          "  look <A long hall.>\n"
                          "  prefix <the>\n"
                          "  use <Key> unlock\n"
+                         "end define\n"
+                         "  Define Room <Cellar>\n"
+                         "end define\n"
+                         "define room <Hall>\n"
                          "end define\n"));
+  EXPECT_EQ(t.game.text.BlockCount(), 3);
+  EXPECT_EQ(FindBlock(t.game, "object"), BlockRange{});  // nested blocks have no record
   const BlockRange hall = FindBlockByName(t.game, "room", "Hall");
+  EXPECT_EQ(hall, (BlockRange{1, 9}));
+  EXPECT_EQ(FindBlockByName(t.game, "room", "hall"), BlockRange{});
+  EXPECT_EQ(FindBlockByName(t.game, "room", "Cellar"), BlockRange{});
+  EXPECT_EQ(FindBlockByName(t.game, "e", "Cellar"), (BlockRange{10, 11}));
+  // Tags are found by prefix, outside nested blocks.
   EXPECT_EQ(FindTagInBlock(t.game, hall, "prefix"), "the");
-  EXPECT_EQ(FindTagInBlock(t.game, hall, "look"), "the ceiling");  // "look" matches "lookat"
+  EXPECT_EQ(FindTagInBlock(t.game, hall, "look"), "the ceiling");
   EXPECT_EQ(FindTagInBlock(t.game, hall, "look "), "A long hall.");
   EXPECT_EQ(FindTagInBlock(t.game, BlockRange{}, "look"), "");
   EXPECT_EQ(FindLineWithTagAndParameter(t.game, hall, "use", " KEY "), "use <Key> unlock");
   EXPECT_EQ(FindLineWithTagAndParameter(t.game, hall, "use", "rope"), "");
+  // Added blocks are found, and earlier ones keep precedence.
+  for (int line = 14; line < 18; line += 2) {
+    ASSERT_TRUE(AddLine(t.game.text, line == 14 ? "define room <Hall>" : "define room <Yard>"));
+    ASSERT_TRUE(AddLine(t.game.text, "end define"));
+    AddBlock(t.game.text, line, line + 1);
+  }
+  EXPECT_EQ(FindBlockByName(t.game, "room", "Yard"), (BlockRange{16, 17}));
+  EXPECT_EQ(FindBlockByName(t.game, "room", "Hall"), hall);
+
+  GameText text;
+  for (int i = 0; i < kMaxGameLines; ++i) ASSERT_TRUE(AddLine(text, "x"));
+  EXPECT_FALSE(AddLine(text, "one too many"));
 }
 
 // Bad angle brackets are the reader/bad-brackets transcript.
