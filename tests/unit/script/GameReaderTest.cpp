@@ -46,51 +46,36 @@ TEST(GameReader, SurvivesFoldersEmptyGarbageOverlongAndUnendedFiles) {
 }
 
 // Merging one library into a game is the reader/dump-rewriting transcript; here the order of
-// several libraries' sections, keywords a library may not use, and the log.
-TEST(Libraries, SectionsOfSeveralLibrariesKeepTheirOrder) {
+// several libraries' sections, where libraries are looked for, what a library may not hold, and
+// the log.
+TEST(Libraries, SectionsKeepTheirOrderAndLibrariesAreLookedForInTheProgramFolderNext) {
   TempDir dir;
-  TestGame t(dir);
   dir.Write("a.gwl",
-            "!library\n!gwl-version <200>\n!addto game\n  startscript msg <a1>\n!end\n"
-            "!addto synonyms\n  a = take\n!end\n!addto game\n  startscript msg <a2>\n!end\n"
-            "!include <other.gwl>\n!ADDTO game\n");
-  dir.Write("b.gwl",
+            "!library\n!addto game\n  startscript msg <a1>\n!end\n!addto synonyms\n  a = take\n"
+            "!end\n!addto game\n  startscript msg <a2>\n!end\n!include <a.gwl>\n!ADDTO game\n");
+  dir.Write("program/b.gwl",
             "!addto game\n  startscript msg <b1>\n!end\n!addto synonyms\n  b = take\n!end\n");
+  TestGame t(dir);
   ASSERT_TRUE(ReadSource(t, dir,
                          "define game <G>\nend define\ndefine synonyms\nend define\n"
-                         "!include <a.gwl>\n!include <b.gwl>\n"));
+                         "!include <a.gwl>\n!include <B.GWL>\n"));
   EXPECT_EQ(LinesOf(t.game),
             (Lines{"define game <G>", "  startscript msg <a1>", "  startscript msg <a2>",
                    "  startscript msg <b1>", "end define", "define synonyms", "  a = take",
                    "  b = take", "end define", "", ""}));
   EXPECT_EQ(FindBlock(t.game, "synonyms"), (BlockRange{6, 9}));
-  EXPECT_EQ(t.host.log, (Lines{"Including library " + dir.path() + "/a.gwl (game path)",
-                               "Unknown library keycode - !include <other.gwl>",
-                               "Unknown library keycode - !ADDTO game",
-                               "Including library " + dir.path() + "/b.gwl (game path)"}));
-}
+  const std::string folder = "Including library " + dir.path();
+  EXPECT_EQ(t.host.log,
+            (Lines{folder + "/a.gwl (game path)", "WARNING: Library has no version information.",
+                   "Unknown library keycode - !include <a.gwl>",
+                   "Unknown library keycode - !ADDTO game", folder + "/B.GWL (game path)",
+                   "Library not found in game path;", folder + "/program/B.GWL (app path)"}));
 
-TEST(Libraries, AreLookedForInTheProgramFolderNextAndMayNotBeMissing) {
-  TempDir dir;
-  dir.Write("program/shared.gwl", "msg <no header>\n");
-  dir.Write("nover.gwl", "!library\n!include <nover.gwl>\ndefine text <t>\nend define\n");
-  {
-    TestGame t(dir);
-    ASSERT_TRUE(ReadSource(t, dir, "!include <shared.gwl>\n!include <NoVer.GWL>\n"));
-    EXPECT_EQ(LinesOf(t.game), (Lines{"", "", "msg <no header>", "define text <t>", "end define"}));
-    EXPECT_EQ(t.host.log,
-              (Lines{"Including library " + dir.path() + "/shared.gwl (game path)",
-                     "Library not found in game path;",
-                     "Including library " + dir.path() + "/program/shared.gwl (app path)",
-                     "Including library " + dir.path() + "/NoVer.GWL (game path)",
-                     "WARNING: Library has no version information.",
-                     "Unknown library keycode - !include <nover.gwl>"}));
-  }
-  TestGame t(dir);
-  t.game.program_folder = dir.path();  // no second place to look
-  EXPECT_FALSE(ReadSource(t, dir, "!include <nowhere.gwl>\n"));
-  EXPECT_EQ(t.host.log, (Lines{"Including library " + dir.path() + "/nowhere.gwl (game path)",
-                               "ERROR: Library not found."}));
+  TestGame missing(dir);
+  missing.game.program_folder = dir.path();  // no second place to look
+  EXPECT_FALSE(ReadSource(missing, dir, "!include <nowhere.gwl>\n"));
+  EXPECT_EQ(missing.host.log,
+            (Lines{folder + "/nowhere.gwl (game path)", "ERROR: Library not found."}));
 }
 
 }  // namespace
