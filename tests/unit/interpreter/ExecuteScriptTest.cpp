@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Variables.h"
 #include "support/TestSupport.h"
@@ -19,7 +18,7 @@ class ExecuteScriptTest : public ::testing::Test {
 };
 
 // Statements without usable parameters are the interpreter/statements transcript.
-TEST_F(ExecuteScriptTest, PauseRedrawsThenSleepsAndFontFollowsTheOverrideSetting) {
+TEST_F(ExecuteScriptTest, PauseFontAndEnterReachTheWindowAsTheyShould) {
   ExecuteScript(game, "pause <250>");
   EXPECT_EQ(host.repaints, 1);
   EXPECT_EQ(host.services, Lines{"sleep 250"});
@@ -28,6 +27,10 @@ TEST_F(ExecuteScriptTest, PauseRedrawsThenSleepsAndFontFollowsTheOverrideSetting
   game.settings.override_all_fonts = true;
   ExecuteScript(game, "font <Verdana>");
   EXPECT_NE(host.styled.find("{font:Verdana}{font:Courier New}"), std::string::npos);
+  game.run.input_ended = true;  // enter does not wait once the input has ended
+  ExecuteScript(game, "enter <name>");
+  EXPECT_EQ(FindVariable(game.variables.strings, "name"), nullptr);
+  EXPECT_EQ(host.control_changes, (std::vector<bool>{false, true}));
 }
 
 // Long texts count against the statement limit, so a loop over them ends as soon as a loop of
@@ -57,13 +60,6 @@ TEST_F(ExecuteScriptTest, TotalStatementLimitSkipsEveryLaterStatement) {
                             "the rest of the statement was skipped."));
   EXPECT_EQ(game.run.script_depth, 0);
   EXPECT_FALSE(game.run.unwinding);
-}
-
-TEST_F(ExecuteScriptTest, EnterDoesNotWaitOnceInputHasEnded) {
-  game.run.input_ended = true;
-  ExecuteScript(game, "enter <name>");
-  EXPECT_EQ(FindVariable(game.variables.strings, "name"), nullptr);
-  EXPECT_EQ(host.control_changes, (std::vector<bool>{false, true}));
 }
 
 }  // namespace

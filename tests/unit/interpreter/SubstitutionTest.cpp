@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-
 #include "base/Text.h"
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Substitution.h"
