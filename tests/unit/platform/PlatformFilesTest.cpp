@@ -60,33 +60,26 @@ TEST(SettingsStore, ValuesSurviveReopeningAndDamagedFilesReadWithoutHarm) {
   EXPECT_EQ(QtSettingsStore(dir.path()).Read("Init", "InstalledVer"), "TARVE-210");
 }
 
-// The desktop's data folder is pointed into a fresh folder.
-class DocumentTypesTest : public ::testing::Test {
- protected:
-  DocumentTypesTest() { setenv("XDG_DATA_HOME", (dir.path() + "/data").c_str(), 1); }
-  std::string Data(const std::string& file) { return ReadFile(dir.path() + "/data/" + file); }
-  TempDir dir;
-};
-
 // A user who installs into ~/.local gets the very files that the first start writes there, and
 // anyone else gets an entry that takes the installed one's place: both must say the same.
-TEST_F(DocumentTypesTest, FirstStartWritesTheInstalledFilesAndAssociatingAgainReplacesAType) {
+TEST(DocumentTypes, FirstStartWritesTheInstalledFilesAndAssociatingAgainReplacesAType) {
+  TempDir dir;
+  setenv("XDG_DATA_HOME", (dir.path() + "/data").c_str(), 1);  // the desktop's data folder
+  const auto data = [&](const std::string& file) { return ReadFile(dir.path() + "/data/" + file); };
   EXPECT_TRUE(AssociateFileType("Tarve Game", ".gwl"));
   EXPECT_TRUE(AssociateFileType("Tarve Game (Compiled)", ".cgw"));
   EXPECT_TRUE(AssociateFileType("Tarve Saved Game Data", ".tsg"));
-  EXPECT_EQ(Data("mime/packages/tarve.xml"), ReadFile(TARVE_SOURCE_DATA "/tarve.xml"));
-  EXPECT_EQ(Data("applications/tarve.desktop"), ReadFile(TARVE_SOURCE_DATA "/tarve.desktop"));
+  EXPECT_EQ(data("mime/packages/tarve.xml"), ReadFile(TARVE_SOURCE_DATA "/tarve.xml"));
+  EXPECT_EQ(data("applications/tarve.desktop"), ReadFile(TARVE_SOURCE_DATA "/tarve.desktop"));
 
   AssociateFileType("Games <old> & new", ".GWL");
-  const std::string package = Data("mime/packages/tarve.xml");
+  const std::string package = data("mime/packages/tarve.xml");
   EXPECT_EQ(package.find("Tarve Game<"), std::string::npos);
   EXPECT_NE(package.find("<comment>Games &lt;old&gt; &amp; new</comment>"), std::string::npos);
-  const std::string entry = Data("applications/tarve.desktop");
+  const std::string entry = data("applications/tarve.desktop");
   EXPECT_EQ(entry.find("application/x-tarve-game;"), entry.rfind("application/x-tarve-game;"));
-}
-
-TEST_F(DocumentTypesTest, AnUnwritableDataFolderIsReportedNotFatal) {
-  dir.Write("data", "not a folder");  // nothing can be written beneath it
+  // A file where the data folder should be: nothing can be written, which is reported.
+  setenv("XDG_DATA_HOME", dir.Write("file", "not a folder").c_str(), 1);
   EXPECT_FALSE(AssociateFileType("Tarve Game", ".gwl"));
 }
 

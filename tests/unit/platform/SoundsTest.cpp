@@ -1,6 +1,4 @@
-// The sound services: MIDI music rendered through a SoundFont and wave sounds, and what they log
-// when they cannot play. The build machines have no sound card, so playing either reports the
-// missing device once; with one, the sounds start, stop and are deleted while playing.
+// The sound players: MIDI music rendered through a SoundFont and wave sounds.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
