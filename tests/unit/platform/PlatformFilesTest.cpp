@@ -48,15 +48,13 @@ TEST(SettingsStore, ValuesSurviveReopeningAndDamagedFilesReadWithoutHarm) {
       "CustomSecurity1=\"unterminated\n";
   garbage += std::string("\0\xff\xfe[\x01]\n", 7) + std::string(100000, 'x') + "\n";
   dir.Write("Tarve.conf", garbage);
-  {
-    QtSettingsStore store(dir.path());
-    EXPECT_GE(ReadSettings(store).security_type, 0);
-    const std::vector<InstalledGame> games = ReadInstalledGames(store);
-    ASSERT_EQ(games.size(), 1u);
-    EXPECT_EQ(games[0].name, "The Manor, a tale");  // an unquoted comma is kept as text
-    store.Write("Init", "InstalledVer", "TARVE-210");
-    store.Flush();
-  }
+  QtSettingsStore damaged(dir.path());
+  EXPECT_GE(ReadSettings(damaged).security_type, 0);
+  const std::vector<InstalledGame> games = ReadInstalledGames(damaged);
+  ASSERT_EQ(games.size(), 1u);
+  EXPECT_EQ(games[0].name, "The Manor, a tale");  // an unquoted comma is kept as text
+  damaged.Write("Init", "InstalledVer", "TARVE-210");
+  EXPECT_TRUE(damaged.Flush());
   EXPECT_EQ(QtSettingsStore(dir.path()).Read("Init", "InstalledVer"), "TARVE-210");
 }
 
