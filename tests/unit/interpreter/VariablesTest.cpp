@@ -57,8 +57,7 @@ TEST_F(VariablesTest, SetVarCornersAndNumericTextFromElsewhere) {
     ExecuteSetVar(game, parameter);
   }
   EXPECT_EQ(GetNumericVariable(game, "n"), 12);
-  EXPECT_EQ(host.log.size(), 6u);
-  EXPECT_EQ(host.log[5], "Error: Missing ';' in setvar <n 7> - the variable was not changed.");
+  EXPECT_EQ(host.log.at(5), "Error: Missing ';' in setvar <n 7> - the variable was not changed.");
   // A value written as text elsewhere (a saved game) is read as a number, held in the range.
   game.variables.numerics.entries = {{"a", "3.5 apples"}, {"b", "99999"}};
   game.variables.numerics.index = {{"a", 0}, {"b", 1}};

@@ -13,16 +13,11 @@ using test::TempDir;
 using test::TestGame;
 using Lines = std::vector<std::string>;
 
-TEST(GameReader, ExpandsTabsAndReadsCrLfAndWindows1252Files) {
+TEST(GameReader, ReadsCrLfAndWindows1252AndSurvivesFoldersGarbageOverlongAndUnendedFiles) {
   TempDir dir;
   TestGame t(dir);
   ASSERT_TRUE(ReadSource(t, dir, "define game <Caf\xE9>\r\n\tmsg <a\tb>\r\nend define"));
   EXPECT_EQ(LinesOf(t.game), (Lines{"define game <Café>", "    msg <a    b>", "end define"}));
-}
-
-TEST(GameReader, SurvivesFoldersEmptyGarbageOverlongAndUnendedFiles) {
-  TempDir dir;
-  TestGame t(dir);
   dir.Write("folder.gwl/x", "");
   EXPECT_FALSE(ReadGameFile(t.game, dir.path() + "/folder.gwl"));
   EXPECT_TRUE(ReadSource(t, dir, ""));
@@ -30,9 +25,7 @@ TEST(GameReader, SurvivesFoldersEmptyGarbageOverlongAndUnendedFiles) {
   std::string garbage;
   for (int i = 0; i < 4096; ++i) garbage.push_back(static_cast<char>((i * 7919) & 0xFF));
   ReadSource(t, dir, garbage);  // either verdict, but no crash and no hang
-  std::string big;
-  for (int i = 0; i < kMaxGameLines + 1; ++i) big += "msg <x>\n";
-  EXPECT_FALSE(ReadSource(t, dir, big));
+  EXPECT_FALSE(ReadSource(t, dir, std::string(kMaxGameLines + 1, '\n')));
   EXPECT_EQ(t.host.log.back(),
             "Error: The game has more than 32767 lines, the most a game can hold.");
   EXPECT_FALSE(ReadSource(t, dir, "define game <G>\n  msg <x>\ndefine room <R>\nend define\n"));
