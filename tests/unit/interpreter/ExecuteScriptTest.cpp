@@ -17,7 +17,6 @@ class ExecuteScriptTest : public ::testing::Test {
   test::RecordingHost& host = t.host;
 };
 
-// Statements without usable parameters are the interpreter/statements transcript.
 TEST_F(ExecuteScriptTest, PauseFontAndEnterReachTheWindowAsTheyShould) {
   ExecuteScript(game, "pause <250>");
   EXPECT_EQ(host.repaints, 1);

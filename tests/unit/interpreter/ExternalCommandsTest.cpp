@@ -47,22 +47,25 @@ TEST_F(ExternalCommandsTest, SoundsPicturesAndMailComeFromTheGamesFolderOrTheScr
 TEST_F(ExternalCommandsTest, ShellFollowsTheSecuritySettingsAndNeverOpensAProgram) {
   const std::string program = game.program_folder + "/";
   game.settings.security_type = 1;
+  game.settings.zero_security_installed_games = true;  // only an installed game opens anything
   EXPECT_EQ(Run("shell <readme.txt>"), 0);
   EXPECT_EQ(host.log.back(),
             "Error shelling readme.txt: disallowed by user's Tarve security settings");
+  game.run.installed_game = true;
+  EXPECT_EQ(Run("shell <readme.txt>"), 1);
+  game.run.installed_game = false;
   game.settings.security_type = 3;  // the list (EXE, COM, DOC, DLL) as an allow list
   game.settings.custom_security_is_disallow = false;
   EXPECT_EQ(Run("shell <letter.docx; notactive>"), 1);  // the type is cut to three characters
   EXPECT_EQ(Run("shell <readme.txt>"), 0);
-  game.settings.zero_security_installed_games = true;  // an installed game may open anything
-  game.run.installed_game = true;
-  EXPECT_EQ(Run("shell <readme.txt>"), 1);
+  game.settings.security_type = 2;  // anything but a program
   host.open_result = PlatformServices::OpenResult::kOutOfMemory;
   EXPECT_EQ(Run("shell <a.txt>"), 4);
   EXPECT_EQ(host.log.back(), "Error shelling a.txt: out of memory");
-  EXPECT_EQ(host.services, (Lines{"open " + program + "letter.docx minimised",
-                                  "open " + program + "readme.txt", "open " + program + "a.txt"}));
-  // Never a program, whatever the settings.
+  EXPECT_EQ(host.services,
+            (Lines{"open " + program + "readme.txt", "open " + program + "letter.docx minimised",
+                   "open " + program + "a.txt"}));
+  // Never a program, whatever the settings allow.
   host.services.clear();
   const std::string notes = dir.Write("program/notes.txt", "#!/bin/sh\n");
   ASSERT_EQ(chmod(notes.c_str(), 0755), 0);

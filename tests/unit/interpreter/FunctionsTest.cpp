@@ -9,8 +9,7 @@
 namespace tarve {
 namespace {
 
-// rand gives every number within its bounds, given either way round.
-TEST(Functions, RandStaysInBounds) {
+TEST(Functions, RandStaysInBoundsGivenEitherWayRound) {
   test::TempDir dir;
   test::TestGame t(dir);
   std::set<std::string> seen;

@@ -9,8 +9,7 @@
 namespace tarve {
 namespace {
 
-// A line with many references to long variables stops growing at its limit: the cut is logged
-// with the start of the line, and the game goes on.
+// Many references to long variables: the text is cut at its limit, logged, and the game goes on.
 TEST(Substitute, TextThatGrowsPastItsLimitIsCut) {
   test::TempDir dir;
   test::TestGame t(dir);
