@@ -109,8 +109,8 @@ TEST(CompiledGameReader, ReadsEveryTruncationOfAGameWithoutHarm) {
 // game is also replayed compiled, which shows the ordinary lines.
 TEST(CompiledGameWriter, StoresOddLinesWholeAndReportsCharactersItCannotStore) {
   Reader r(true);
-  const Lines source = {"odd<spacing>here", "msg  <two blanks>", "define text <t>",
-                        "    <b>kept</b> | as is", "end define"};
+  const Lines source = {"odd<spacing>here", "msg  <two blanks>",       "msg <a>b",
+                        "define text <t>",  "    <b>kept</b> | as is", "end define"};
   std::vector<std::string> problems;
   const std::string compiled = CompileGame(r.t.game.keywords, source, problems);
   EXPECT_TRUE(problems.empty());
