@@ -7,7 +7,6 @@ import os
 import pty
 import select
 import shutil
-import signal
 import struct
 import subprocess
 import sys
@@ -17,7 +16,8 @@ import time
 
 import pyte
 
-UP, ENTER = b"\x1b[A", b"\r"
+UP = "\x1b[A"
+RESET = b"\x1b[0m\x1b7\x1b[r\x1b8"  # what tarve-cli leaves the terminal with when interrupted
 
 
 class Session:
@@ -27,23 +27,20 @@ class Session:
         self.stream = pyte.ByteStream(self.screen)
         self.raw = b""
         self.master, slave = pty.openpty()
-        self.set_size(cols, rows)
+        self.resize(cols, rows)
         env = {"PATH": os.environ.get("PATH", "/usr/bin:/bin"), "TERM": term,
                "HOME": self.home, "XDG_DATA_HOME": os.path.join(self.home, "data"),
                "XDG_CONFIG_HOME": os.path.join(self.home, "config")}
         self.process = subprocess.Popen(
             [cli, "--settings", os.path.join(self.home, "settings"), "--seed", "1", *args, game],
             stdin=slave, stdout=slave, stderr=slave, env=env, cwd=os.path.dirname(game),
-            start_new_session=True,
-            preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
+            start_new_session=True, preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
         os.close(slave)
-
-    def set_size(self, cols, rows):
-        fcntl.ioctl(self.master, termios.TIOCSWINSZ, struct.pack("HHHH", rows, cols, 0, 0))
+        self.pump()
 
     def resize(self, cols, rows):
         self.screen.resize(rows, cols)
-        self.set_size(cols, rows)
+        fcntl.ioctl(self.master, termios.TIOCSWINSZ, struct.pack("HHHH", rows, cols, 0, 0))
 
     def pump(self, quiet=0.3, limit=10.0):
         """Waits for output, then reads it until the program has been quiet for `quiet` seconds
@@ -51,9 +48,7 @@ class Session:
         end = time.time() + limit
         got = False
         while time.time() < end:
-            wait = quiet if got else max(0.0, end - time.time())
-            ready, _, _ = select.select([self.master], [], [], wait)
-            if not ready:
+            if not select.select([self.master], [], [], quiet if got else end - time.time())[0]:
                 return
             got = True
             try:
@@ -66,7 +61,8 @@ class Session:
             self.stream.feed(data)
 
     def type(self, keys):
-        os.write(self.master, keys)
+        """Types the keys, "\\n" standing for Enter, and reads the answer."""
+        os.write(self.master, keys.replace("\n", "\r").encode())
         self.pump()
 
     def lines(self):
@@ -75,7 +71,20 @@ class Session:
     def text(self):
         return "\n".join(self.lines())
 
-    def close(self):
+    def check(self, condition, message):
+        if not condition:
+            print("FAILED: " + message + "\n--- screen ---\n" + self.text())
+            self.close()
+            sys.exit(1)
+
+    def play(self, *steps):
+        """Each step: keys to type (or none), then text the screen shows or a test of the session."""
+        for keys, want, message in steps:
+            if keys:
+                self.type(keys)
+            self.check(want in self.text() if isinstance(want, str) else want(self), message)
+
+    def close(self, keep_home=False):
         if self.process.poll() is None:
             # The end of the input lets the program leave as it does for a player, so that what
             # it ran is counted by a coverage build; a program that does not leave is killed.
@@ -86,155 +95,119 @@ class Session:
                 self.process.kill()
         self.process.wait()
         os.close(self.master)
-        shutil.rmtree(self.home, ignore_errors=True)
+        if not keep_home:
+            shutil.rmtree(self.home, ignore_errors=True)
 
 
-def check(condition, message, session):
-    if not condition:
-        print("FAILED: " + message + "\n--- screen ---\n" + session.text())
-        session.close()
-        sys.exit(1)
+def count(text, n):
+    return lambda s: s.text().count(text) == n
+
+
+def shown_line(text):
+    return lambda s: text in s.lines()
+
+
+def top_line(text):
+    return lambda s: s.lines()[0].strip() == text
 
 
 def history_and_echo(cli, game):
     """A command shows once after its prompt; the arrows recall it, also in the next run."""
     s = Session(cli, game)
-    s.pump()
-    s.type(b"n" + ENTER)
-    check(s.text().count("> n") == 1, "the command is shown once", s)
-    check("Roses." in s.text(), "the command ran", s)
-    s.type(b"xyzzy" + ENTER + UP + UP + ENTER)
-    check(s.text().count("> n") == 2, "Up twice recalls the first command", s)
-    s.type(b"look" + b"\x1b[H" + b"#" + ENTER)  # Home, then a player command prefix
-    check("There is no player command #look" in s.text(), "Home moves to the line's start", s)
-    s.type(b"\x04")  # Ctrl-D: the end of the input
-    s.process.wait(timeout=10)
-    home = s.home
-    s.home = tempfile.mkdtemp()
-    s.close()
-    again = Session(cli, game, home=home)
-    again.pump()
-    again.type(b"n" + ENTER)  # the game left at Ctrl-D is offered again: start afresh
-    again.type(UP + UP + ENTER)
-    check(again.text().count("> n") == 1 and "Roses." in again.text(),
-          "the history of the game is kept for the next run", again)
-    again.type(b"\x12xy" + ENTER)  # Ctrl-R searches back in the history
-    check("> xyzzy" in again.text(), "Ctrl-R finds a command by a part of it", again)
+    s.play(("n\n", count("> n", 1), "the command is shown once"),
+           ("", "Roses.", "the command ran"),
+           ("xyzzy\n" + UP + UP + "\n", count("> n", 2), "Up twice recalls the first command"),
+           ("look\x1b[H#\n", "There is no player command #look", "Home moves to the line's start"))
+    s.close(keep_home=True)  # Ctrl-D, the end of the input, keeps the history
+    again = Session(cli, game, home=s.home)
+    again.play(("n\n" + UP + UP + "\n", count("> n", 1),  # n: the game left is not taken up
+                "the history of the game is kept for the next run"),
+               ("", "Roses.", "the history's command ran"),
+               ("\x12xy\n", "> xyzzy", "Ctrl-R finds a command by a part of it"))
     again.close()
 
 
 def wrapping(cli, game):
     """Lines break between words at 40 columns, and at the new width after a resize."""
     s = Session(cli, game, cols=40, args=["--no-status"])
-    s.pump()
-    lines = [line for line in s.lines() if line]
-    check("A long hall with portraits of stern" in lines, "wrapped at 40 columns", s)
-    check("ancestors along both walls, each" in lines, "no word is cut", s)
+    s.play(("", shown_line("A long hall with portraits of stern"), "wrapped at 40 columns"),
+           ("", shown_line("ancestors along both walls, each"), "no word is cut"))
     s.resize(30, 24)
-    s.type(b"look" + ENTER)
-    check("A long hall with portraits of" in s.lines(), "wrapped at 30 after a resize", s)
-    check(all(len(line) <= 30 for line in s.lines()[-8:]), "no line wider than 30", s)
+    s.play(("look\n", shown_line("A long hall with portraits of"), "wrapped at 30 after a resize"),
+           ("", lambda s: all(len(line) <= 30 for line in s.lines()[-8:]), "no line wider than 30"))
     s.close()
 
 
 def status_line(cli, game):
     """The top line shows the location and follows the player; --no-status leaves it out."""
     s = Session(cli, game)
-    s.pump()
-    check(s.lines()[0].strip() == "Hall", "the status line shows the room", s)
-    s.type(b"n" + ENTER)
-    check(s.lines()[0].strip() == "Garden", "the status line follows the player", s)
-    for _ in range(12):
-        s.type(b"look" + ENTER)
-    check(s.lines()[0].strip() == "Garden", "text scrolls below the status line", s)
+    s.play(("", top_line("Hall"), "the status line shows the room"),
+           ("n\n", top_line("Garden"), "the status line follows the player"),
+           ("look\n" * 12, top_line("Garden"), "text scrolls below the status line"))
     s.close()
     plain = Session(cli, game, args=["--no-status"])
-    plain.pump()
-    check(plain.lines()[0] == "You are in Hall." and b"\x1b[2;24r" not in plain.raw,
-          "no status line with --no-status", plain)
+    plain.play(("", lambda s: s.lines()[0] == "You are in Hall." and b"\x1b[2;24r" not in s.raw,
+                "no status line with --no-status"))
     plain.close()
 
 
 def questions(cli, game):
     """Questions say what they take and ask again until they get it."""
     s = Session(cli, game, args=["--no-status"])
-    s.pump()
-    s.type(b"ask" + ENTER)
-    check("[Tarve] Are you sure\n(y/n)" in s.text(), "a yes/no question shows (y/n)", s)
-    s.type(b"maybe" + ENTER)
-    check(s.text().count("(y/n)") == 2, "an unclear answer asks again", s)
-    s.type(b"n" + ENTER)
-    check("Not sure." in s.text(), "n answers no", s)
-    s.type(b"open door" + ENTER)
-    check("Type a number (1 to 2):" in s.text(), "a choice menu asks for a number", s)
-    s.type(b"9" + ENTER + b"three" + ENTER + ENTER)
-    check(s.text().count("Type a number (1 to 2):") == 4, "only 1 or 2 is taken", s)
-    s.type(b"2" + ENTER)
-    check("Blue it is." in s.text(), "the number picks its answer", s)
+    s.play(("ask\n", "[Tarve] Are you sure\n(y/n)", "a yes/no question shows (y/n)"),
+           ("maybe\n", count("(y/n)", 2), "an unclear answer asks again"),
+           ("n\n", "Not sure.", "n answers no"),
+           ("open door\n", "Type a number (1 to 2):", "a choice menu asks for a number"),
+           ("9\nthree\n\n", count("Type a number (1 to 2):", 4), "only 1 or 2 is taken"),
+           ("2\n", "Blue it is.", "the number picks its answer"))
     s.close()
 
 
 def player_commands(cli, game):
     """#help lists the player's commands; #undo takes back a move and then has nothing left;
-    #restart asks, then starts again; #save writes a saved game that #load reads back."""
+    #restart asks, then starts again; #save writes a saved game that #load reads back;
+    #transcript appends to its file, stops and goes on."""
     s = Session(cli, game, args=["--no-status"])
-    s.pump()
-    s.type(b"#help" + ENTER)
-    check("#restart" in s.text() and "#transcript FILE|off" in s.text(), "#help lists them", s)
-    s.type(b"n" + ENTER + b"#undo" + ENTER)
-    check("Undone: n" in s.text() and s.raw.count(b"A long hall") == 2, "#undo goes back", s)
-    s.type(b"#undo" + ENTER)
-    check("There is nothing to undo." in s.text(), "one move, one undo", s)
-    s.type(b"n" + ENTER + b"#restart" + ENTER + b"y" + ENTER)
-    check(s.raw.count(b"A long hall") == 3 and b"(y/n)" in s.raw, "#restart asks, restarts", s)
-    saved = os.path.join(s.home, "hall.tsg")
-    s.type(b"#save " + saved.encode() + ENTER)
-    check(os.path.exists(saved), "#save writes the file", s)
-    s.type(b"n" + ENTER + b"#load " + saved.encode() + ENTER)
-    s.type(b"look" + ENTER)
-    check(s.text().count("You are in Hall.") == 2, "#load went back to the saved room", s)
-    s.type(b"#save " + game.encode() + ENTER)
-    check("is a game or a saved game" in s.text(), "the game's own file is never saved over", s)
-    transcript = os.path.join(s.home, "play.txt")
+    saved, transcript = (os.path.join(s.home, name) for name in ("hall.tsg", "play.txt"))
     with open(transcript, "w") as f:
         f.write("Yesterday.\n")
-    s.type(b"#transcript " + transcript.encode() + ENTER + b"n" + ENTER)
-    s.type(b"#transcript off" + ENTER + b"s" + ENTER)
-    s.type(b"#transcript " + transcript.encode() + ENTER + b"ask" + ENTER + b"y" + ENTER)
+    halls = lambda n: lambda s: s.raw.count(b"A long hall") == n
+    s.play(("#help\n", "#restart", "#help lists them"),
+           ("", "#transcript FILE|off", "#help lists them with their arguments"),
+           ("n\n#undo\n", "Undone: n", "#undo says what it took back"),
+           ("", halls(2), "#undo goes back"),
+           ("#undo\n", "There is nothing to undo.", "one move, one undo"),
+           ("n\n#restart\ny\n", lambda s: halls(3)(s) and b"(y/n)" in s.raw, "#restart asks, restarts"),
+           (f"#save {saved}\n", lambda s: os.path.exists(saved), "#save writes the file"),
+           (f"n\n#load {saved}\nlook\n", count("You are in Hall.", 2), "#load went back to the room"),
+           (f"#save {game}\n", "is a game or a saved game", "the game's own file is never saved over"),
+           (f"#transcript {transcript}\nn\n#transcript off\ns\n", "The transcript is off.",
+            "#transcript off stops it"),
+           (f"#transcript {transcript}\nask\ny\n", "Sure.", "the question was answered"))
     with open(transcript) as f:
         kept = f.read()
-    check(kept.startswith("Yesterday.\n") and "> n\nYou are in Garden." in kept and
-          "> #transcript off\n" in kept and "> s" not in kept and
-          "[Tarve] Are you sure\n(y/n) y\nSure." in kept,
-          "#transcript appends, stops and goes on, with the answers typed:\n" + kept, s)
+    s.check(kept.startswith("Yesterday.\n") and "> n\nYou are in Garden." in kept and
+            "> #transcript off\n" in kept and "> s" not in kept and
+            "[Tarve] Are you sure\n(y/n) y\nSure." in kept,
+            "#transcript appends, stops and goes on, with the answers typed:\n" + kept)
     s.close()
 
 
 def control_characters(cli, game):
-    """A game's control characters never reach the terminal; Ctrl-C restores its state."""
-    s = Session(cli, game)
-    s.pump()
-    s.type(b"ring" + ENTER)
-    check("Bell: ding.Still here!" in s.text(), "the text stays, its controls go", s)
-    check(b"\x07" not in s.raw and b"]0;" not in s.raw and b"\x1b[2J" not in s.raw,
-          "no bell, title or screen clear was written", s)
-    s.type(b"\x03")
-    s.process.wait(timeout=10)
-    check(s.raw.endswith(b"\x1b[0m\x1b7\x1b[r\x1b8"), "Ctrl-C resets styles and scrolling", s)
-    s.close()
-    napping = Session(cli, game)
-    napping.pump()
-    napping.type(b"nap" + ENTER)
-    check("Alarm!" in napping.text(), "the pause has begun", napping)
-    napping.type(b"\x03")
-    napping.process.wait(timeout=10)
-    check(napping.raw.endswith(b"\x1b[0m\x1b7\x1b[r\x1b8"), "Ctrl-C in a pause too", napping)
-    check(napping.screen.cursor.attrs.fg == "default", "the terminal's own colour is back", napping)
-    napping.close()
+    """A game's control characters never reach the terminal; Ctrl-C restores its state, also in
+    a pause; TERM=dumb gets no escape sequences at all."""
+    no_controls = lambda s: not any(c in s.raw for c in (b"\x07", b"]0;", b"\x1b[2J"))
+    for steps in ((("ring\n", "Bell: ding.Still here!", "the text stays, its controls go"),
+                   ("", no_controls, "no bell, title or screen clear was written")),
+                  (("nap\n", "Alarm!", "the pause has begun"),)):
+        s = Session(cli, game)
+        s.play(*steps, ("\x03", lambda s: s.process.wait(timeout=10) is not None and
+                        s.raw.endswith(RESET), "Ctrl-C resets styles and scrolling"),
+               ("", lambda s: s.screen.cursor.attrs.fg == "default", "the terminal's colour is back"))
+        s.close()
     dumb = Session(cli, game, term="dumb")
-    dumb.pump()
-    dumb.type(b"look" + ENTER)
-    check(b"\x1b" not in dumb.raw and "Hall" in dumb.text(), "TERM=dumb gets no styles", dumb)
+    dumb.play(("look\n", lambda s: b"\x1b" not in s.raw and "Hall" in s.text(),
+               "TERM=dumb gets no styles"))
     dumb.close()
 
 
