@@ -2,7 +2,6 @@
 // compares what the player printed (and, when asked, its script log and files) with the
 // transcript. The format is described in tests/README.md.
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -24,7 +23,7 @@ struct Expected {
 
 // What the run must leave behind: its output, its log or a file in its home folder.
 struct Section {
-  std::string name, file;  // "output", "log" or the file's name; where the run writes it
+  std::string name;  // "output", "log" or the file's name, all in the run's home folder
   std::vector<Expected> lines;
 };
 
@@ -36,11 +35,10 @@ struct Transcript {
   std::string game;
   bool no_game = false;    // tarve-cli starts without a file
   bool text_only = false;  // the transcript shows something only the text form has
-  bool check_log = false;
   std::vector<std::string> args;
   int status = 0;
   std::string input;
-  std::vector<Section> sections = {{"output", "output.txt", {}}};
+  std::vector<Section> sections = {{"output", {}}};
   std::vector<Setting> settings;
 };
 
@@ -91,9 +89,7 @@ bool Parse(const fs::path& path, Transcript& t, std::string& error) {
     }
     header = false;
     if (line == "@log" || line.starts_with("@file ")) {
-      t.check_log = t.check_log || line == "@log";
-      if (line == "@log") t.sections.push_back({"log", "script.log", {}});
-      if (line != "@log") t.sections.push_back({line.substr(6), line.substr(6), {}});
+      t.sections.push_back({line == "@log" ? "log" : line.substr(6), {}});
     } else if (t.sections.size() > 1) {
       t.sections.back().lines.push_back({line, number});
     } else if (line.starts_with("> ") || line.starts_with("<<")) {
@@ -185,10 +181,13 @@ int main(int argc, char** argv) {
   char home_template[] = "/tmp/tarve-transcript-XXXXXX";
   if (mkdtemp(home_template) == nullptr) return 2;
   const fs::path home = home_template;
-  std::ofstream(home / "input.txt", std::ios::binary) << ReplaceAll(t.input, "{home}", home);
-  std::string command = "exec " + Quote(fs::absolute(argv[1])) + " --settings " +
-                        Quote(home / "settings") +
-                        (t.check_log ? " --log " + Quote(home / "script.log") : "");
+  std::ofstream(home / "input", std::ios::binary) << ReplaceAll(t.input, "{home}", home);
+  const bool check_log = std::ranges::any_of(t.sections, [](auto& s) { return s.name == "log"; });
+  std::string command =
+      "cd " + Quote(transcript.parent_path()) + " && exec env HOME=" + Quote(home) +
+      " XDG_CONFIG_HOME=" + Quote(home / "config") + " XDG_DATA_HOME=" + Quote(home / "data") +
+      " NO_COLOR=1 " + Quote(fs::absolute(argv[1])) + " --settings " + Quote(home / "settings") +
+      (check_log ? " --log " + Quote(home / "log") : "");
   for (const std::string& arg : t.args) command += " " + Quote(ReplaceAll(arg, "{home}", home));
   std::string game = t.game;
   if (compiled_form) {
@@ -206,13 +205,9 @@ int main(int argc, char** argv) {
     }
   }
   if (!t.no_game) command += " " + Quote(game);
-  command += " <" + Quote(home / "input.txt") + " >" + Quote(home / "output.txt");
+  command += " <" + Quote(home / "input") + " >" + Quote(home / "output");
   WriteSettings(t.settings, home);
-  setenv("HOME", home.c_str(), 1);
-  setenv("XDG_CONFIG_HOME", (home / "config").c_str(), 1);
-  setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
-  setenv("NO_COLOR", "1", 1);
-  const int status = chdir(transcript.parent_path().c_str()) ? -1 : std::system(command.c_str());
+  const int status = std::system(command.c_str());
 
   bool ok = WIFEXITED(status) && WEXITSTATUS(status) == t.status;
   if (!ok) {
@@ -224,7 +219,7 @@ int main(int argc, char** argv) {
   // The compiled game and its folder stand where the text game and its folder stood in
   // everything the player prints.
   for (const Section& section : t.sections) {
-    std::ifstream in(home / section.file, std::ios::binary);
+    std::ifstream in(home / section.name, std::ios::binary);
     std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     text = ReplaceAll(text, game, t.game);
     if (compiled_form) {
