@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -27,10 +28,6 @@ struct Section {
   std::vector<Expected> lines;
 };
 
-struct Setting {
-  std::string section, key, value;
-};
-
 struct Transcript {
   std::string game;
   bool no_game = false;    // tarve-cli starts without a file
@@ -39,7 +36,9 @@ struct Transcript {
   int status = 0;
   std::string input;
   std::vector<Section> sections = {{"output", {}}};
-  std::vector<Setting> settings;
+  // The settings file tarve-cli reads with --settings: the lines of each INI group, values quoted
+  // so that commas, backslashes and a leading "@" keep their meaning as plain text.
+  std::map<std::string, std::string> settings;
 };
 
 std::string ReplaceAll(std::string text, const std::string& from, const std::string& to) {
@@ -78,10 +77,11 @@ bool Parse(const fs::path& path, Transcript& t, std::string& error) {
       } else if (key == "@no-game") {
         t.no_game = true;
       } else if (key == "@settings") {  // SECTION KEY VALUE, the value the rest of the line
-        Setting& s = t.settings.emplace_back();
-        fields >> s.section >> s.key;
-        std::getline(fields >> std::ws, s.value);
-        if (s.key.empty()) return error = where + "@settings needs a key", false;
+        std::string section, name, text;
+        std::getline(fields >> section >> name >> std::ws, text);
+        if (text.starts_with("@")) text.insert(0, "@");
+        text = ReplaceAll(ReplaceAll(text, "\\", "\\\\"), "\"", "\\\"");
+        t.settings[section] += name + "=\"" + text + "\"\n";
       } else {
         return error = where + "unknown directive " + key, false;
       }
@@ -137,24 +137,6 @@ bool Compare(const fs::path& transcript, const Section& section,
 
 std::string Quote(const std::string& text) { return "'" + ReplaceAll(text, "'", "'\\''") + "'"; }
 
-// The settings file tarve-cli reads with --settings: INI groups, values quoted so that commas,
-// backslashes and a leading "@" keep their meaning as plain text.
-void WriteSettings(std::vector<Setting> settings, const fs::path& home) {
-  if (settings.empty()) return;
-  fs::create_directories(home / "settings");
-  std::ofstream out(home / "settings" / "Tarve.conf", std::ios::binary);
-  std::stable_sort(settings.begin(), settings.end(),
-                   [](const Setting& a, const Setting& b) { return a.section < b.section; });
-  for (std::size_t i = 0; i < settings.size(); ++i) {
-    const Setting& s = settings[i];
-    if (i == 0 || s.section != settings[i - 1].section) out << "[" << s.section << "]\n";
-    std::string value = ReplaceAll(s.value, "{home}", home.string());
-    if (value.starts_with("@")) value.insert(0, "@");
-    value = ReplaceAll(ReplaceAll(value, "\\", "\\\\"), "\"", "\\\"");
-    out << s.key << "=\"" << value << "\"\n";
-  }
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -206,7 +188,12 @@ int main(int argc, char** argv) {
   }
   if (!t.no_game) command += " " + Quote(game);
   command += " <" + Quote(home / "input") + " >" + Quote(home / "output");
-  WriteSettings(t.settings, home);
+  if (!t.settings.empty() && fs::create_directories(home / "settings")) {
+    std::ofstream out(home / "settings" / "Tarve.conf", std::ios::binary);
+    for (const auto& [group, lines] : t.settings) {
+      out << "[" << group << "]\n" << ReplaceAll(lines, "{home}", home);
+    }
+  }
   const int status = std::system(command.c_str());
 
   bool ok = WIFEXITED(status) && WEXITSTATUS(status) == t.status;
