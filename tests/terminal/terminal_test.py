@@ -45,19 +45,15 @@ class Session:
     def pump(self, quiet=0.3, limit=10.0):
         """Waits for output, then reads it until the program has been quiet for `quiet` seconds
         (on a busy machine the first answer may take longer than that)."""
-        end = time.time() + limit
-        got = False
-        while time.time() < end:
-            if not select.select([self.master], [], [], quiet if got else end - time.time())[0]:
-                return
-            got = True
+        end, wait = time.time() + limit, limit
+        while time.time() < end and select.select([self.master], [], [], wait)[0]:
             try:
                 data = os.read(self.master, 65536)
-            except OSError:
+            except OSError:  # the program has left
                 return
             if not data:
                 return
-            self.raw += data
+            self.raw, wait = self.raw + data, quiet
             self.stream.feed(data)
 
     def type(self, keys):
@@ -99,16 +95,9 @@ class Session:
             shutil.rmtree(self.home, ignore_errors=True)
 
 
-def count(text, n):
-    return lambda s: s.text().count(text) == n
-
-
-def shown_line(text):
-    return lambda s: text in s.lines()
-
-
-def top_line(text):
-    return lambda s: s.lines()[0].strip() == text
+count = lambda text, n: lambda s: s.text().count(text) == n
+shown_line = lambda text: lambda s: text in s.lines()
+top_line = lambda text: lambda s: s.lines()[0].strip() == text
 
 
 def history_and_echo(cli, game):
