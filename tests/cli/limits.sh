@@ -11,10 +11,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work" || exit 1
 failures=0
-fail() {
-  echo "FAIL: $*" >&2
-  failures=$((failures + 1))
-}
+fail() { echo "FAIL: $*" >&2; failures=$((failures + 1)); }
 
 # --- The log file: 3 x 30,000 rounds of an unknown line of 1,000 characters. -----------------
 long=$(printf '%01000d' 0 | tr 0 x)

@@ -57,7 +57,6 @@ bool Parse(const fs::path& path, Transcript& t, std::string& error) {
   for (std::string line; std::getline(in, line);) {
     ++number;
     if (!line.empty() && line.back() == '\r') line.pop_back();
-    const std::string where = path.string() + ":" + std::to_string(number) + ": ";
     if (header && line.starts_with("#")) continue;
     if (header && line.starts_with("@") && line != "@log" && !line.starts_with("@file ")) {
       const std::size_t blank = line.find(' ');
@@ -83,7 +82,8 @@ bool Parse(const fs::path& path, Transcript& t, std::string& error) {
         text = ReplaceAll(ReplaceAll(text, "\\", "\\\\"), "\"", "\\\"");
         t.settings[section] += name + "=\"" + text + "\"\n";
       } else {
-        return error = where + "unknown directive " + key, false;
+        return error = path.string() + ":" + std::to_string(number) + ": unknown directive " + key,
+               false;
       }
       continue;
     }
@@ -121,9 +121,7 @@ bool Compare(const fs::path& transcript, const Section& section,
   for (std::size_t i = 0; i < std::max(expected.size(), actual.size()); ++i) {
     const bool have_expected = i < expected.size(), have_actual = i < actual.size();
     if (have_expected && have_actual && Matches(expected[i].text, actual[i])) continue;
-    const int line = have_expected      ? expected[i].source_line
-                     : expected.empty() ? 0
-                                        : expected.back().source_line;
+    const int line = expected.empty() ? 0 : expected[std::min(i, expected.size() - 1)].source_line;
     std::cerr << transcript.string() << ":" << line << ": " << section.name << " line " << i + 1
               << " differs\n  expected: "
               << (have_expected ? "\"" + expected[i].text + "\"" : "(nothing more)")
@@ -142,10 +140,8 @@ std::string Quote(const std::string& text) { return "'" + ReplaceAll(text, "'", 
 int main(int argc, char** argv) {
   // transcript_runner TARVE_CLI TRANSCRIPT [TARVE_COMPILE]: with the compiler, the game is
   // played in its compiled form and must give the same transcript.
-  if (argc != 3 && argc != 4) {
-    std::cerr << "usage: transcript_runner TARVE_CLI TRANSCRIPT [TARVE_COMPILE]\n";
-    return 2;
-  }
+  if (argc != 3 && argc != 4)
+    return std::cerr << "usage: transcript_runner TARVE_CLI TRANSCRIPT [TARVE_COMPILE]\n", 2;
   const fs::path transcript = fs::absolute(argv[2]);
   Transcript t;
   std::string error;

@@ -5,10 +5,7 @@
 # read or written ends tarve-compile with status 1. tarve-compile never writes over its game,
 # named twice or through a link.
 set -u
-cli=$1
-compile=$2
-game=$3
-desktop=${4:-}
+cli=$1 compile=$2 game=$3 desktop=${4:-}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 fail() { echo "FAILED: $1"; exit 1; }
