@@ -2,7 +2,6 @@
 // program's own box, its Y and N keys and the answer each way out gives; what the choice menu
 // offers, how the player confirms and what closing it gives.
 
-
 #include "WindowTestSupport.h"
 #include "player/windows/MessageBoxes.h"
 #include "player/windows/frmSelection.h"

@@ -186,19 +186,7 @@ TEST(Windows, EveryControlHasAnAccessibleName) {
   frmPic pic;
   for (QWidget* window :
        std::vector<QWidget*>{&box, &selection, &log, &viewer, &splash, &progress, &pic}) {
-    EXPECT_FALSE(QAccessible::queryAccessibleInterface(window)->text(QAccessible::Name).isEmpty())
-        << window->objectName().toStdString();
-    for (QWidget* control : window->findChildren<QWidget*>()) {
-      // Our controls are the named ones; Qt names the parts it builds inside them "qt_...".
-      if (control->objectName().isEmpty() || control->objectName().startsWith("qt_") ||
-          control->isHidden()) {
-        continue;
-      }
-      QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(control);
-      ASSERT_NE(accessible, nullptr);
-      EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty())
-          << window->objectName().toStdString() << " " << control->objectName().toStdString();
-    }
+    ExpectAccessibleNames(window);
   }
 }
 

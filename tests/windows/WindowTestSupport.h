@@ -9,12 +9,8 @@
 #include <deque>
 #include <fstream>
 #include <functional>
-#include <memory>
 #include <optional>
-#include <ostream>
 #include <string>
-#include <tuple>
-#include <utility>
 #include <vector>
 
 #include "player/windows/frmDunMsgBox.h"
@@ -42,19 +38,13 @@ void WhenOpens(std::function<void(Dialog*)> act, int tries = 3000) {
   });
 }
 
-inline bool AnyDunMsgBoxExists() {
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (qobject_cast<frmDunMsgBox*>(window) != nullptr) return true;
-  }
-  return false;
-}
-
 // Answers the next message box, whichever kind it is, with Yes/OK (`yes`) or No/Cancel, and
 // records its text and whether it was the program's own box.
 inline void AnswerMessage(bool yes, QString* text = nullptr, bool* own_box = nullptr) {
   WhenOpens<QDialog>([=](QDialog* modal) {
-    if (own_box != nullptr) *own_box = AnyDunMsgBoxExists();
-    if (auto* own = qobject_cast<frmDunMsgBox*>(modal)) {
+    auto* own = qobject_cast<frmDunMsgBox*>(modal);
+    if (own_box != nullptr) *own_box = own != nullptr;
+    if (own != nullptr) {
       if (text != nullptr) *text = own->txtMessage()->toPlainText();
       (yes ? own->butOK() : own->butCancel())->click();
     } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
@@ -67,6 +57,20 @@ inline void AnswerMessage(bool yes, QString* text = nullptr, bool* own_box = nul
       modal->close();
     }
   });
+}
+
+// The window and each control of ours in it (Qt names the parts it builds "qt_...") have a
+// name for a screen reader.
+inline void ExpectAccessibleNames(QWidget* window) {
+  const std::string name = window->objectName().toStdString();
+  EXPECT_FALSE(QAccessible::queryAccessibleInterface(window)->text(QAccessible::Name).isEmpty())
+      << name;
+  for (QWidget* control : window->findChildren<QWidget*>()) {
+    const QString id = control->objectName();
+    if (id.isEmpty() || id.startsWith("qt_") || control->isHidden()) continue;
+    EXPECT_FALSE(QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name).isEmpty())
+        << name << " " << id.toStdString();
+  }
 }
 
 // Answers the next input box with `answer`, recording its title and prompt.
