@@ -94,8 +94,8 @@ class LauncherTest : public ::testing::Test {
   std::unique_ptr<frmNewGame> launcher;
 };
 
-TEST_F(LauncherTest, HelpLineExplainsTheControlUnderThePointerAndGoesBackOverTheRest) {
-  Open(12);
+TEST_F(LauncherTest, HelpLineAndEightGamesAtOnceThatTheScrollBarMovesOneAStep) {
+  Open(20);
   EXPECT_TRUE(launcher->windowTitle().startsWith(QStringLiteral("Welcome to Tarve ")));
   EXPECT_EQ(launcher->lblHelp()->text(), kDefaultHelp);
   const std::vector<std::pair<QWidget*, QString>> controls = {
@@ -118,10 +118,7 @@ TEST_F(LauncherTest, HelpLineExplainsTheControlUnderThePointerAndGoesBackOverThe
   ASSERT_TRUE(QTest::qWaitForWindowActive(launcher.get()));
   launcher->scrlGamePos()->setFocus(Qt::TabFocusReason);
   EXPECT_EQ(launcher->lblHelp()->text(), "Scroll to see the complete list of installed games");
-}
 
-TEST_F(LauncherTest, ShowsEightGamesAtOnceAndTheScrollBarMovesThemOneAStep) {
-  Open(20);
   QSignalSpy played(launcher.get(), &frmNewGame::playGame);
   QScrollBar* bar = launcher->scrlGamePos();
   ASSERT_EQ(ShownGames().size(), 8);
