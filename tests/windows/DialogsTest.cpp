@@ -22,41 +22,25 @@ TEST(ShowMessage, PlatformBoxShowsTheTextAsWrittenAndGivesTheAnswerOfItsButton) 
   }
 }
 
-// Opens the program's own box through ShowMessage, runs `act` on it and returns the answer.
-int AnswerOwnBox(int style, const std::function<void(frmDunMsgBox*)>& act) {
-  WhenOpens<frmDunMsgBox>(act);
-  return ShowMessage(nullptr, "Line one\r\nLine two", "Error", style, true);
-}
-
-TEST(DunMsgBox, OkOnlyMessageShowsTheTextAndOneCentredButtonAndIgnoresN) {
-  bool still_open = false;
-  EXPECT_EQ(AnswerOwnBox(kOkOnly,
-                         [&](frmDunMsgBox* box) {
-                           EXPECT_EQ(box->windowTitle(), QStringLiteral("Error"));
-                           EXPECT_EQ(box->txtMessage()->toPlainText(), "Line one\nLine two");
-                           EXPECT_TRUE(box->txtMessage()->isReadOnly());
-                           EXPECT_FALSE(box->butCancel()->isVisible());
-                           EXPECT_EQ(box->butOK()->text(), QStringLiteral("OK"));
-                           const int centre = box->butOK()->geometry().center().x();
-                           EXPECT_LE(std::abs(centre - box->rect().center().x()), 2);
-                           PressKey(box, Qt::Key_N);
-                           QApplication::processEvents();
-                           still_open = box->isVisible();
-                           PressKey(box, Qt::Key_Return);
-                         }),
-            kAnswerOk);
-  EXPECT_TRUE(still_open);
-}
-
-TEST(DunMsgBox, KeysAndClosingTheFrameGiveTheAnswersOfTheButtons) {
+TEST(DunMsgBox, ShowsTheTextAndItsKeysAndClosingTheFrameGiveTheAnswersOfTheButtons) {
+  const auto ok_only = [](frmDunMsgBox* box) {
+    EXPECT_EQ(box->windowTitle(), QStringLiteral("Error"));
+    EXPECT_EQ(box->txtMessage()->toPlainText(), "Line one\nLine two");
+    EXPECT_TRUE(box->txtMessage()->isReadOnly() && !box->butCancel()->isVisible());
+    EXPECT_EQ(box->butOK()->text(), QStringLiteral("OK"));
+    const int centre = box->butOK()->geometry().center().x();
+    EXPECT_LE(std::abs(centre - box->rect().center().x()), 2);
+    PressKey(box, Qt::Key_N);  // no No to give
+    QApplication::processEvents();
+    EXPECT_TRUE(box->isVisible());
+    PressKey(box, Qt::Key_Return);
+  };
   const auto key = [](Qt::Key pressed) {
     return [pressed](frmDunMsgBox* box) { PressKey(box, pressed); };
   };
   const auto close = [](frmDunMsgBox* box) { box->close(); };
-  QString yes_caption, no_caption;
-  const auto captions = [&](frmDunMsgBox* box) {
-    yes_caption = box->butOK()->text();
-    no_caption = box->butCancel()->text();
+  const auto yes_no = [](frmDunMsgBox* box) {
+    EXPECT_EQ(box->butOK()->text() + box->butCancel()->text(), QStringLiteral("&Yes&No"));
     PressKey(box, Qt::Key_Y);
   };
   // With the focus in the text box the keys still answer.
@@ -65,7 +49,8 @@ TEST(DunMsgBox, KeysAndClosingTheFrameGiveTheAnswersOfTheButtons) {
     PressKey(box, Qt::Key_N);
   };
   const std::tuple<int, std::function<void(frmDunMsgBox*)>, int> cases[] = {
-      {kYesNo, captions, kAnswerYes},
+      {kOkOnly, ok_only, kAnswerOk},
+      {kYesNo, yes_no, kAnswerYes},
       {kYesNo + kExclamation, n_in_text, kAnswerNo},
       {kOkCancel, key(Qt::Key_N), kAnswerCancel},
       {kOkCancel, key(Qt::Key_Escape), kAnswerCancel},
@@ -75,10 +60,10 @@ TEST(DunMsgBox, KeysAndClosingTheFrameGiveTheAnswersOfTheButtons) {
       {kOkOnly, close, kAnswerOk}};
   int number = 0;
   for (const auto& [style, act, answer] : cases) {
-    EXPECT_EQ(AnswerOwnBox(style, act), answer) << "case " << number++;
+    WhenOpens<frmDunMsgBox>(act);
+    EXPECT_EQ(ShowMessage(nullptr, "Line one\r\nLine two", "Error", style, true), answer)
+        << "case " << number++;
   }
-  EXPECT_EQ(yes_caption, QStringLiteral("&Yes"));
-  EXPECT_EQ(no_caption, QStringLiteral("&No"));
 }
 
 // Offers `count` answers, runs `act` on the dialog once it shows and returns what it gave.
