@@ -41,6 +41,7 @@ TEST(DunMsgBox, ShowsTheTextAndItsKeysAndClosingTheFrameGiveTheAnswersOfTheButto
   const auto close = [](frmDunMsgBox* box) { box->close(); };
   const auto yes_no = [](frmDunMsgBox* box) {
     EXPECT_EQ(box->butOK()->text() + box->butCancel()->text(), QStringLiteral("&Yes&No"));
+    ExpectAccessibleNames(box);
     PressKey(box, Qt::Key_Y);
   };
   // With the focus in the text box the keys still answer.
@@ -91,6 +92,7 @@ TEST(Selection, OffersAtMostEightAnswersAndGivesTheConfirmedOneOrNone) {
                      prompt = dialog->lblPrompt()->text();
                      shown = ShownAnswers(dialog);
                      first_checked = dialog->optAnswer(0)->isChecked();
+                     ExpectAccessibleNames(dialog);
                      // The arrows move the choice from button to button; Enter confirms it.
                      QApplication::setActiveWindow(dialog);
                      PressKey(dialog, Qt::Key_Down);

@@ -34,9 +34,7 @@ class LauncherTest : public ::testing::Test {
     for (int i = 1; i <= installed; ++i) {
       games.push_back({"Game " + std::to_string(i), "/games/game" + std::to_string(i) + ".gwl"});
     }
-    if (installed > 0) {
-      EXPECT_TRUE(WriteInstalledGames(store, games));
-    }
+    EXPECT_TRUE(installed == 0 || WriteInstalledGames(store, games));
     launcher = std::make_unique<frmNewGame>(game, store, Chooser());
     launcher->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(launcher.get()));
