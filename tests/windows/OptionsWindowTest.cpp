@@ -12,13 +12,6 @@
 namespace tarve {
 namespace {
 
-// Which of `buttons` are ticked, as 1s and 0s.
-std::string Ticks(std::initializer_list<const QAbstractButton*> buttons) {
-  std::string ticks;
-  for (const QAbstractButton* button : buttons) ticks += button->isChecked() ? '1' : '0';
-  return ticks;
-}
-
 class OptionsWindowTest : public ::testing::Test {
  protected:
   QTemporaryDir data;
@@ -37,10 +30,14 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
   settings = ReadSettings(store);
 
   frmOptions options(settings, store, nullptr, data.path().toStdString());
-  EXPECT_EQ(Ticks({options.chkLogScriptErrors(), options.chkOutputToFile(), options.optNoExts(),
-                   options.chkSpecialMsgBox(), options.chkDetailedLook(),
-                   options.chkCustomSecurityIsDisallow()}),
-            "101111");
+  std::string ticks;
+  for (const QAbstractButton* button : std::initializer_list<const QAbstractButton*>{
+           options.chkLogScriptErrors(), options.chkOutputToFile(), options.optNoExts(),
+           options.chkSpecialMsgBox(), options.chkDetailedLook(),
+           options.chkCustomSecurityIsDisallow()}) {
+    ticks += button->isChecked() ? '1' : '0';
+  }
+  EXPECT_EQ(ticks, "101111");
   EXPECT_EQ(options.txtLogFileName()->text(), QStringLiteral("/old/errors.log"));
   // A name or a list only goes with its switch.
   EXPECT_FALSE(options.txtOutputFileName()->isEnabled() || options.butEditShellExts()->isEnabled());

@@ -20,10 +20,9 @@ inline void PrintTo(const QString& text, std::ostream* out) { *out << text.toStd
 
 namespace tarve {
 
-// Runs `act` on the application's modal window once one of kind `Dialog` has opened; other
-// modal windows that open first are left to their own answers. A loaded machine can take
-// seconds to open a file dialog, so this waits up to about thirty seconds; then the test fails
-// and whatever modal window is open is closed, so that the test never hangs.
+// Runs `act` on the modal window once one of kind `Dialog` has opened. After about thirty
+// seconds (a loaded machine opens a file dialog slowly) the test fails and closes whatever modal
+// window is open, so that it never hangs.
 template <typename Dialog>
 void WhenOpens(std::function<void(Dialog*)> act, int tries = 3000) {
   QTimer::singleShot(10, [act = std::move(act), tries]() mutable {
