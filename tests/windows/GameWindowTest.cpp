@@ -209,7 +209,7 @@ TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
   EXPECT_TRUE(Output().contains(QStringLiteral("You said blue.")));
 }
 
-TEST_F(GameWindowTest, StartScriptsWaitInTheShownWindow) {
+TEST_F(GameWindowTest, StartScriptsWaitInTheShownWindowAndThePaneShowsStylesAndZooms) {
   bool waited = false;
   DuringWait([&] {
     waited = window().isVisible();
@@ -217,9 +217,7 @@ TEST_F(GameWindowTest, StartScriptsWaitInTheShownWindow) {
   });
   ASSERT_TRUE(player_->OpenGame(std::string(TARVE_TEST_GAMES) + "/desktop/startwait.gwl"));
   EXPECT_TRUE(waited);
-}
 
-TEST_F(GameWindowTest, PaneShowsTheStylesZoomsAndAnnouncesEachTurn) {
   Open();
   for (const char* command : {"styles", "centre", "left", "look"}) Type(command);
   // Plain text has the player's default colour, face and size, from the settings. A new line
@@ -280,7 +278,6 @@ TEST_F(GameWindowTest, ButtonsListsViewersAndMenusFollowTheGame) {
   window().butDir(9)->click();
 
   // Action buttons show per kind of entry and act on it.
-  ASSERT_EQ(window().lstObjects()->count(), 3);
   EXPECT_TRUE(Choose().empty()) << "nothing is chosen yet";
   EXPECT_EQ(Choose(QStringLiteral("Butler")), (std::vector<int>{1, 2}));
   EXPECT_EQ(window().butDo(2)->accessibleName(), QStringLiteral("Speak to Butler"));
