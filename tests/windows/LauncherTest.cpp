@@ -152,7 +152,7 @@ TEST_F(LauncherTest, AddRefusesFilesWithoutATitleWithTheErrorBoxAndAddsTheRest) 
     return QStringList{QString::fromStdString("Error: Unable to add " + path +
                                               " to the 'Installed Games' list\n- " + why)};
   };
-  const std::string here = folder.path().toStdString();  // a folder opens, but is no file
+  const std::string here = folder.path().toStdString();  // a folder is no game file
   EXPECT_EQ(BrowseAndAdd(here), refused(here, "the file could not be opened."));
   const std::string notes = Write("notes.txt", "define room <hall>\nend define\n");
   EXPECT_EQ(BrowseAndAdd(notes), refused(notes, "the file appears to be invalid."));
