@@ -9,12 +9,8 @@
 #include <deque>
 #include <fstream>
 #include <functional>
-#include <memory>
 #include <optional>
-#include <ostream>
 #include <string>
-#include <tuple>
-#include <utility>
 #include <vector>
 
 #include "player/windows/frmDunMsgBox.h"
@@ -24,10 +20,9 @@ inline void PrintTo(const QString& text, std::ostream* out) { *out << text.toStd
 
 namespace tarve {
 
-// Runs `act` on the application's modal window once one of kind `Dialog` has opened; other
-// modal windows that open first are left to their own answers. A loaded machine can take
-// seconds to open a file dialog, so this waits up to about thirty seconds; then the test fails
-// and whatever modal window is open is closed, so that the test never hangs.
+// Runs `act` on the modal window once one of kind `Dialog` has opened. After about thirty
+// seconds (a loaded machine opens a file dialog slowly) the test fails and closes whatever modal
+// window is open, so that it never hangs.
 template <typename Dialog>
 void WhenOpens(std::function<void(Dialog*)> act, int tries = 3000) {
   QTimer::singleShot(10, [act = std::move(act), tries]() mutable {
@@ -42,19 +37,13 @@ void WhenOpens(std::function<void(Dialog*)> act, int tries = 3000) {
   });
 }
 
-inline bool AnyDunMsgBoxExists() {
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (qobject_cast<frmDunMsgBox*>(window) != nullptr) return true;
-  }
-  return false;
-}
-
 // Answers the next message box, whichever kind it is, with Yes/OK (`yes`) or No/Cancel, and
 // records its text and whether it was the program's own box.
 inline void AnswerMessage(bool yes, QString* text = nullptr, bool* own_box = nullptr) {
   WhenOpens<QDialog>([=](QDialog* modal) {
-    if (own_box != nullptr) *own_box = AnyDunMsgBoxExists();
-    if (auto* own = qobject_cast<frmDunMsgBox*>(modal)) {
+    auto* own = qobject_cast<frmDunMsgBox*>(modal);
+    if (own_box != nullptr) *own_box = own != nullptr;
+    if (own != nullptr) {
       if (text != nullptr) *text = own->txtMessage()->toPlainText();
       (yes ? own->butOK() : own->butCancel())->click();
     } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
@@ -67,6 +56,20 @@ inline void AnswerMessage(bool yes, QString* text = nullptr, bool* own_box = nul
       modal->close();
     }
   });
+}
+
+// The window and each control of ours in it (Qt names the parts it builds "qt_...") have a
+// name for a screen reader.
+inline void ExpectAccessibleNames(QWidget* window) {
+  const std::string name = window->objectName().toStdString();
+  EXPECT_FALSE(QAccessible::queryAccessibleInterface(window)->text(QAccessible::Name).isEmpty())
+      << name;
+  for (QWidget* control : window->findChildren<QWidget*>()) {
+    const QString id = control->objectName();
+    if (id.isEmpty() || id.startsWith("qt_") || control->isHidden()) continue;
+    EXPECT_FALSE(QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name).isEmpty())
+        << name << " " << id.toStdString();
+  }
 }
 
 // Answers the next input box with `answer`, recording its title and prompt.
