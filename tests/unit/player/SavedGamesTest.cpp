@@ -85,7 +85,7 @@ TEST(SaveGame, WritesEveryTableInOrderWithCrLfAndSignedNumbersOrNothing) {
   EXPECT_TRUE(text.ends_with("\r\n!n\r\nvisits; 1\r\nscore;-12\r\n!e\r\n")) << text;
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), std::count(text.begin(), text.end(), '\r'));
 
-  // A folder in the way or no game in progress writes nothing (no such folder: failed-save.tt).
+  // A folder in the way or no game in progress writes nothing (no such folder: saved/round-trip.tt).
   const std::string folder = farm.dir.path() + "/folder.tsg";
   fs::create_directory(folder);
   EXPECT_FALSE(SaveGame(farm.t.game, folder));

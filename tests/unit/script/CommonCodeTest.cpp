@@ -80,7 +80,7 @@ TEST(BlockIndex, IndexesTopLevelBlocksAndFindsBlocksAndTagsByTypeAndExactName) {
   EXPECT_FALSE(AddLine(text, "one too many"));
 }
 
-// Bad angle brackets are the reader/bad-brackets transcript.
+// Bad angle brackets are the saved/refused transcript.
 TEST(CheckBracketsAndNames, NamesEveryBlockButSynonymsAndStopsAtANamelessGame) {
   TempDir dir;
   TestGame t(dir);
