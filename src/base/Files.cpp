@@ -57,17 +57,22 @@ std::string FolderOf(std::string_view path) {
   return std::string(path.substr(0, slash + 1));
 }
 
-std::string FindDataFolder(const std::string& installed_folder) {
+std::string FindProgramFileFolder(const std::string& name, const std::string& subfolder,
+                                  const std::string& installed_folder) {
   std::error_code ec;
   const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
   if (ec) return installed_folder;
   const fs::path programs = exe.parent_path();
-  if (fs::exists(programs / "tarve.dat", ec)) return programs.string();
-  // An install keeps the programs in PREFIX/bin and their data in PREFIX/share/tarve, wherever
-  // it was put (`cmake --install --prefix`, a package unpacked elsewhere).
-  const fs::path beside = programs.parent_path() / "share" / "tarve";
-  if (fs::exists(beside / "tarve.dat", ec)) return beside.string();
+  if (fs::exists(programs / name, ec)) return programs.string();
+  // An install keeps the programs in PREFIX/bin and their files in PREFIX/SUBFOLDER, wherever it
+  // was put (`cmake --install --prefix`, a package unpacked elsewhere).
+  const fs::path beside = programs.parent_path() / subfolder;
+  if (fs::exists(beside / name, ec)) return beside.string();
   return installed_folder;
+}
+
+std::string FindDataFolder(const std::string& installed_folder) {
+  return FindProgramFileFolder("tarve.dat", "share/tarve", installed_folder);
 }
 
 namespace {

@@ -17,10 +17,15 @@ std::string FindFileNoCase(const std::string& path);
 // The folder of a file path, with a trailing "/" ("" for a bare file name).
 std::string FolderOf(std::string_view path);
 
-// The program's data folder (tarve.dat, libraries shared by games): the running executable's
-// own folder when it holds tarve.dat, as in a build tree; else share/tarve beside the
-// executable's bin folder when it holds tarve.dat, as in an install into any prefix; else
-// `installed_folder`.
+// The folder of one of the program's own files, `name`: the running executable's own folder when
+// it holds the file, as in a build tree; else `subfolder` (such as "share/tarve") of the folder
+// above the executable's bin folder when it holds the file, as in an install into any prefix;
+// else `installed_folder`.
+std::string FindProgramFileFolder(const std::string& name, const std::string& subfolder,
+                                  const std::string& installed_folder);
+
+// The program's data folder (tarve.dat, libraries shared by games), found as above in
+// share/tarve.
 std::string FindDataFolder(const std::string& installed_folder);
 
 // Reads a whole regular file. False when it cannot be opened or read, is larger than

@@ -10,8 +10,8 @@
 #include <filesystem>
 #include <system_error>
 #include <thread>
-#include <vector>
 
+#include "base/Files.h"
 #include "game/ScriptLog.h"
 #include "platform/SoundPlayers.h"
 
@@ -30,21 +30,6 @@ bool HasDesktop() {
   return (x11 != nullptr && *x11 != '\0') || (wayland != nullptr && *wayland != '\0');
 }
 
-// Where the sound module may be: beside the program (the build tree), in lib/tarve beside the
-// bin folder of an install wherever it was put, then in the install prefix the build names.
-std::vector<std::filesystem::path> SoundModuleCandidates() {
-  namespace fs = std::filesystem;
-  std::vector<fs::path> candidates;
-  std::error_code ec;
-  const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-  if (!ec) {
-    candidates.push_back(exe.parent_path() / kSoundModuleName);
-    candidates.push_back(exe.parent_path().parent_path() / "lib" / "tarve" / kSoundModuleName);
-  }
-  candidates.push_back(fs::path(TARVE_SOUND_MODULE_DIR) / kSoundModuleName);
-  return candidates;
-}
-
 }  // namespace
 
 SystemServices::SystemServices(Options options) : options_(options) {}
@@ -60,26 +45,30 @@ void SystemServices::Log(std::string_view message) {
 SoundPlayers* SystemServices::Sounds() {
   if (sounds_tried_) return sounds_.get();
   sounds_tried_ = true;
-  std::string why = std::string("the sound module ") + kSoundModuleName + " was not found.";
-  for (const std::filesystem::path& candidate : SoundModuleCandidates()) {
-    std::error_code ec;
-    if (!std::filesystem::exists(candidate, ec)) continue;
-    void* module = dlopen(candidate.c_str(), RTLD_NOW | RTLD_LOCAL);
-    auto make = module != nullptr
-                    ? reinterpret_cast<MakeSoundPlayersFunction>(dlsym(module, kMakeSoundPlayers))
-                    : nullptr;
-    if (make == nullptr) {
-      const char* error = dlerror();
-      why = "the sound module " + candidate.string() + " could not be loaded (" +
-            (error != nullptr ? error : "unknown error") + ").";
-      if (module != nullptr) dlclose(module);
-      continue;
-    }
-    sounds_.reset(make([this](std::string_view m) { Log(m); }));
-    return sounds_.get();
+  // Beside the program (the build tree), in lib/tarve of an install wherever it was put, or in
+  // the install prefix the build names.
+  const std::filesystem::path module = std::filesystem::path(FindProgramFileFolder(
+                                           kSoundModuleName, "lib/tarve", TARVE_SOUND_MODULE_DIR)) /
+                                       kSoundModuleName;
+  std::error_code ec;
+  if (!std::filesystem::exists(module, ec)) {
+    Log(std::string("Warning: Sounds are unavailable: the sound module ") + kSoundModuleName +
+        " was not found.");
+    return nullptr;
   }
-  Log("Warning: Sounds are unavailable: " + why);
-  return nullptr;
+  void* handle = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
+  auto make = handle != nullptr
+                  ? reinterpret_cast<MakeSoundPlayersFunction>(dlsym(handle, kMakeSoundPlayers))
+                  : nullptr;
+  if (make == nullptr) {
+    const char* error = dlerror();
+    Log("Warning: Sounds are unavailable: the sound module " + module.string() +
+        " could not be loaded (" + (error != nullptr ? error : "unknown error") + ").");
+    if (handle != nullptr) dlclose(handle);
+    return nullptr;
+  }
+  sounds_.reset(make([this](std::string_view m) { Log(m); }));
+  return sounds_.get();
 }
 
 void SystemServices::PlayWave(const std::string& path, bool sync) {
