@@ -49,10 +49,12 @@ TEST(PatternMatches, LiteralPiecesMatchInOrderAndOnlyAtTheEnds) {
 }
 
 // What the variables take is the parser/verbs transcript; the variable keeps the name as the
-// pattern writes it.
+// pattern writes it, and of two variables side by side the first takes nothing.
 TEST_F(ParserTest, CaptureNamesTheVariableAsThePatternWritesIt) {
   CapturePatternVariables(t.game, "unlock door", "Unlock #Thing#");
   EXPECT_EQ(FindVariable(t.game.variables.strings, "thing")->name, "Thing");
+  CapturePatternVariables(t.game, "open the box", "#a##b#");
+  EXPECT_EQ(GetStringVariable(t.game, "a") + "|" + GetStringVariable(t.game, "b"), "|open the box");
 }
 
 // Turns as the window plays them: the turn scripts (every afterturn line), the command box, the
