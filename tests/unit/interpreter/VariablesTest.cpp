@@ -10,8 +10,8 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// The interpreter/conditions, limits and statements transcripts show setstring, setvar, the
-// substitution passes, loops and their faults; here what a player cannot see.
+// The interpreter/statements transcript shows setstring, setvar, the substitution passes, loops
+// and their faults; here what a player cannot see.
 class VariablesTest : public ::testing::Test {
  protected:
   test::TempDir dir;
@@ -71,8 +71,8 @@ TEST_F(VariablesTest, SetVarCornersAndNumericTextFromElsewhere) {
   EXPECT_EQ(GetNumericVariable(game, "n"), 6);
 }
 
-// A value is cut at a character boundary (the interpreter/conditions transcript shows the cut); all
-// variables together stop at their limit; overwriting frees what the old value held.
+// A value is cut at a character boundary (the interpreter/statements transcript shows the cut);
+// all variables together stop at their limit; overwriting frees what the old value held.
 TEST_F(VariablesTest, ValuesAndAllVariablesTogetherStopAtTheirLimits) {
   SetStringVariable(game, "s", "\u00e9t\u00e9");  // two-byte letters, so a cut can fall in one
   ExecuteScript(game, "for <i; 1; 40> setstring <s;#s##s#>");
