@@ -135,10 +135,6 @@ TEST(BlockIndex, IndexesTopLevelBlocksAndFindsBlocksAndTagsByTypeAndExactName) {
   }
   EXPECT_EQ(FindBlockByName(t.game, "room", "Yard"), (BlockRange{16, 17}));
   EXPECT_EQ(FindBlockByName(t.game, "room", "Hall"), hall);
-
-  GameText text;
-  for (int i = 0; i < kMaxGameLines; ++i) ASSERT_TRUE(AddLine(text, "x"));
-  EXPECT_FALSE(AddLine(text, "one too many"));
 }
 
 // Bad angle brackets are the saved/refused transcript.
