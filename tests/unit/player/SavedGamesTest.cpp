@@ -85,7 +85,8 @@ TEST(SaveGame, WritesEveryTableInOrderWithCrLfAndSignedNumbersOrNothing) {
   EXPECT_TRUE(text.ends_with("\r\n!n\r\nvisits; 1\r\nscore;-12\r\n!e\r\n")) << text;
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), std::count(text.begin(), text.end(), '\r'));
 
-  // A folder in the way or no game in progress writes nothing (no such folder: saved/round-trip.tt).
+  // A folder in the way or no game in progress writes nothing (no such folder:
+  // saved/round-trip.tt).
   const std::string folder = farm.dir.path() + "/folder.tsg";
   fs::create_directory(folder);
   EXPECT_FALSE(SaveGame(farm.t.game, folder));
@@ -197,6 +198,92 @@ TEST(SaveRoundTrip, EveryStateSaveWritesLoadsBackEqual) {
     ASSERT_TRUE(SaveGame(loaded.game, path));
     EXPECT_TRUE(ReadFile(path) == first) << "seed " << seed;
   }
+}
+
+// Undo and the kept state of a game left unfinished (offered again through tarve-cli in
+// tests/resume) on undo.gwl, whose "mess" changes every table at once. What the player sees of
+// undo is in the terminal and window tests.
+struct Lab {
+  Lab() {
+    start.program_folder = dir.path();
+    start.resume_folder = dir.path() + "/resume";
+    EXPECT_EQ(t.player.Start(path, start), Player::Started::kGame);
+  }
+  TempDir dir;
+  TestGame t{dir};
+  Player& player = t.player;
+  std::string path = std::string(TARVE_TEST_GAMES) + "/player/undo.gwl";
+  Player::StartOptions start;
+};
+
+TEST(Undo, TakesBackEveryTableATurnChangedAndSkipsTurnsThatChangedNothing) {
+  Lab lab;
+  EXPECT_FALSE(lab.player.CanUndo());
+  const Lines before = StateOf(lab.t.game);
+  const std::size_t bytes = lab.t.game.variables.bytes;
+  for (int round = 0; round < 2; ++round) {  // the game plays on, and undoes again
+    lab.player.SubmitCommand("mess");
+    ASSERT_NE(StateOf(lab.t.game), before);
+    lab.t.host.viewer_rows.clear();
+    EXPECT_TRUE(lab.player.Undo());
+    // Names as first spelt ("WORD" set "word"), and a variable the turn made is gone.
+    EXPECT_EQ(StateOf(lab.t.game), before);
+    EXPECT_EQ(lab.t.game.variables.bytes, bytes);
+    EXPECT_EQ(lab.t.host.location, "  Hall");  // the panes follow
+    EXPECT_EQ(lab.t.host.items.find("lamp"), std::string::npos);
+    EXPECT_FALSE(lab.t.host.viewer_rows.empty());
+    EXPECT_FALSE(lab.player.Undo());
+  }
+  lab.player.SubmitCommand("xyzzy");
+  EXPECT_FALSE(lab.player.CanUndo());
+  for (int i = 0; i < 105; ++i) {
+    lab.player.SubmitCommand("tick");
+    lab.player.SubmitCommand("look");
+  }
+  int undone = 0;
+  while (lab.player.Undo()) ++undone;
+  EXPECT_EQ(undone, 100);  // only the last hundred are kept
+  EXPECT_EQ(GetNumericVariable(lab.t.game, "count"), 6);
+}
+
+TEST(Undo, AnAnswerIsPartOfItsTurnAndNothingIsUndoneAfterALoadOrTheEnd) {
+  Lab lab;
+  lab.t.host.input = {"yes"};
+  lab.player.SubmitCommand("ask");
+  ASSERT_EQ(GetStringVariable(lab.t.game, "answer"), "yes");
+  EXPECT_TRUE(lab.player.Undo());
+  EXPECT_EQ(FindVariable(lab.t.game.variables.strings, "answer"), nullptr);
+
+  lab.player.SubmitCommand("tick");
+  const std::string saved = lab.dir.path() + "/one.tsg";
+  lab.t.host.file_dialog_answers = {saved, saved};
+  lab.player.MenuSave();
+  EXPECT_TRUE(lab.player.CanUndo());  // saving keeps the turns
+  lab.player.MenuLoad();
+  EXPECT_FALSE(lab.player.CanUndo());
+  lab.player.SubmitCommand("tick");
+  lab.player.SubmitCommand("die");
+  EXPECT_TRUE(lab.player.game_over());
+  EXPECT_FALSE(lab.player.Undo());
+}
+
+TEST(Resume, NothingIsKeptOfARestartedOrFinishedGameAndSavingAsksForAFile) {
+  Lab lab;
+  const std::string kept = lab.player.ResumeFile(lab.path);
+  lab.player.SubmitCommand("mess");
+  lab.player.MenuRestart();  // asked, and answered yes
+  ASSERT_TRUE(lab.player.RequestClose());
+  EXPECT_FALSE(fs::exists(kept));
+
+  ASSERT_TRUE(lab.player.OpenGame(lab.path));
+  lab.player.SubmitCommand("mess");
+  ASSERT_TRUE(lab.player.RequestClose());
+  ASSERT_TRUE(lab.player.OpenGame(lab.path));  // go on: yes
+  EXPECT_EQ(lab.t.game.world.current_room, "Yard");
+  EXPECT_TRUE(lab.t.game.run.current_saved_game_path.empty());
+  lab.player.SubmitCommand("die");
+  ASSERT_TRUE(lab.player.RequestClose());
+  EXPECT_FALSE(fs::exists(kept));
 }
 
 }  // namespace
