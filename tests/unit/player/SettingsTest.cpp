@@ -142,12 +142,15 @@ TEST_F(SettingsTest, GameTitleComesFromTheFirstDefineGameField) {
   EXPECT_EQ(GetGameTitle(t.game, dir.path() + "/missing.cgw"), dir.path() + "/missing.cgw");
 }
 
-// Another spelling of the path, relative or not, and a game not on the list are in the
-// startup/installed-from-command-line and not-installed-refused transcripts.
-TEST_F(SettingsTest, InstalledGameIsRecognisedThroughALinkAndInItsOwnCase) {
+// An installed game picked from the list opens as one in startup/installed-games.tt.
+TEST_F(SettingsTest, InstalledGameIsRecognisedByAnotherSpellingOrALinkAndInItsOwnCase) {
+  namespace fs = std::filesystem;
   const std::string manor = dir.Write("manor.gwl", "define game <Manor>\nend define\n");
-  ASSERT_TRUE(WriteInstalledGames(store, {{"Manor", manor}}));
-  std::filesystem::create_symlink(manor, dir.path() + "/link.gwl");
+  fs::current_path(dir.path());  // listed relative to the folder the player started in
+  const std::string relative = "../" + fs::path(dir.path()).filename().string() + "/./manor.gwl";
+  ASSERT_TRUE(WriteInstalledGames(store, {{"Manor", relative}}));
+  fs::create_symlink(manor, dir.path() + "/link.gwl");
+  EXPECT_TRUE(IsInstalledGame(store, manor));
   EXPECT_TRUE(IsInstalledGame(store, dir.path() + "/link.gwl"));
   EXPECT_FALSE(IsInstalledGame(store, dir.path() + "/MANOR.gwl"));
 }
