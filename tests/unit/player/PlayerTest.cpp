@@ -62,11 +62,14 @@ struct Opened {
   test::TestGame t{dir};
 };
 
-// A plain newer version, its box and its log are the player/future-version transcript; a game
-// without a version is in reader/chains.tt.
+// A game without a version is in reader/chains.tt.
 TEST(OpenGame, VersionAndStartChecksWarnButNeverStopTheOpening) {
   const std::string future = "Warning: File contains future version header (greater than 217).";
   const std::string unrecognised = "Warning: Unrecognised GWL version number.";
+  const std::string newer_box =
+      "[Tarve version error] Warning - this game has been designed to work with a newer version "
+      "of Tarve. As a result, some elements may not work correctly or at all. It is strongly "
+      "suggested that you upgrade your version of Tarve.";
   const std::vector<std::pair<std::string, Lines>> cases = {
       {"gwl-version < 210 >\nstart <Hall>\n", {}},
       // Rounded half to even before the comparison: 217.5 is 218, 216.5 is 216.
@@ -84,6 +87,7 @@ TEST(OpenGame, VersionAndStartChecksWarnButNeverStopTheOpening) {
     Opened opened(lines);
     EXPECT_EQ(opened.Warnings(), warnings) << lines;
     const bool newer = !warnings.empty() && warnings[0] == future;
+    EXPECT_EQ(opened.t.host.messages, newer ? Lines{newer_box} : Lines{}) << lines;
     EXPECT_EQ(opened.t.host.message_styles,
               newer ? std::vector{kOkOnly + kExclamation} : std::vector<int>{})
         << lines;
