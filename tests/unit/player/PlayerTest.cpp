@@ -140,8 +140,7 @@ TEST(OpenGame, TheGamesDefaultFontAppliesUnlessThePlayerForbidsIt) {
 }
 
 // A game that logs an error on every round of its loops: the window keeps the newest messages,
-// whole, and never more than its limit. What the log file gets is in the startup/log-errors
-// transcripts.
+// whole, and never more than its limit. What the log file gets is in startup/shell-security.tt.
 TEST(ScriptLog, TheWindowKeepsTheNewestMessagesWithinItsLimit) {
   test::TempDir dir;
   test::TestGame t(dir);
@@ -162,11 +161,11 @@ TEST(ScriptLog, AnUnwritableFileIsNotedOnceUntilAnotherFileIsNamed) {
   t.game.settings.log_file = dir.path() + "/missing/folder/script.log";
   LogScriptError(t.game, "one");
   LogScriptError(t.game, "two");
-  EXPECT_EQ(t.host.log, (std::vector<std::string>{"one",
-                                                  "Warning: Unable to write to the log file " +
-                                                      t.game.settings.log_file +
-                                                      " - messages go to the log window only.",
-                                                  "two"}));
+  EXPECT_EQ(t.host.log,
+            (Lines{"one",
+                   "Warning: Unable to write to the log file " + t.game.settings.log_file +
+                       " - messages go to the log window only.",
+                   "two"}));
   t.game.settings.log_file = dir.path() + "/script.log";
   LogScriptError(t.game, "three");
   EXPECT_EQ(test::ReadFile(t.game.settings.log_file), "three\r\n");
