@@ -94,7 +94,7 @@ TEST(OpenGame, VersionAndStartChecksWarnButNeverStopTheOpening) {
   }
 }
 
-TEST(OpenGame, SetsTheCaptionProgressAndDebugMenuAndMarksTheLogFile) {
+TEST(OpenGame, SetsTheCaptionProgressAndDebugMenuAndMarksTheLogFileOrNotesItUnwritable) {
   Opened opened("gwl-version <217>\nstart <Hall>\nnodebug on\nNODEBUG\n",
                 [](Settings& s) { s.log_errors = true; });
   EXPECT_EQ(opened.t.host.caption, "Tarve 2.17 - \"Opening\"");
@@ -114,6 +114,20 @@ TEST(OpenGame, SetsTheCaptionProgressAndDebugMenuAndMarksTheLogFile) {
           .substr(first.size())
           .find("\r\n\r\n--------------------------\r\n\r\n(Start of new game)\r\nTarve 2.17\r\n"),
       0u);
+  // A file that cannot be written is noted once, until another file is named.
+  Settings& settings = opened.t.game.settings;
+  settings.log_file = opened.dir.path() + "/missing/folder/script.log";
+  opened.t.host.log.clear();
+  LogScriptError(opened.t.game, "one");
+  LogScriptError(opened.t.game, "two");
+  EXPECT_EQ(opened.t.host.log,
+            (Lines{"one",
+                   "Warning: Unable to write to the log file " + settings.log_file +
+                       " - messages go to the log window only.",
+                   "two"}));
+  settings.log_file = opened.dir.path() + "/script.log";
+  LogScriptError(opened.t.game, "three");
+  EXPECT_EQ(test::ReadFile(settings.log_file), "three\r\n");
 }
 
 TEST(OpenGame, TheGamesDefaultFontAppliesUnlessThePlayerForbidsIt) {
@@ -152,23 +166,6 @@ TEST(ScriptLog, TheWindowKeepsTheNewestMessagesWithinItsLimit) {
   EXPECT_TRUE(text.starts_with("message "));
   EXPECT_TRUE(text.ends_with("message 100000" + filler + "\r\n"));
   EXPECT_EQ(t.host.log.size(), 100000u);  // the window's own view was told every message
-}
-
-TEST(ScriptLog, AnUnwritableFileIsNotedOnceUntilAnotherFileIsNamed) {
-  test::TempDir dir;
-  test::TestGame t(dir);
-  t.game.settings.log_errors = true;
-  t.game.settings.log_file = dir.path() + "/missing/folder/script.log";
-  LogScriptError(t.game, "one");
-  LogScriptError(t.game, "two");
-  EXPECT_EQ(t.host.log,
-            (Lines{"one",
-                   "Warning: Unable to write to the log file " + t.game.settings.log_file +
-                       " - messages go to the log window only.",
-                   "two"}));
-  t.game.settings.log_file = dir.path() + "/script.log";
-  LogScriptError(t.game, "three");
-  EXPECT_EQ(test::ReadFile(t.game.settings.log_file), "three\r\n");
 }
 
 }  // namespace
