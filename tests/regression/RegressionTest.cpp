@@ -66,10 +66,8 @@ TEST(FuzzRegression, TheFuzzTargetsGamesOpenCleanly) {
       std::string::npos);
 }
 
-// Found as a compiled game whose room script ran three loops inside each other through
-// procedures: billions of rounds, each logging an error, froze the player and filled its memory.
-// Now one top-level statement runs a bounded number of statements; past it the statement is cut,
-// logged once, and the next command runs with a fresh allowance.
+// Three loops inside each other through procedures once froze the player: now a statement past
+// the limit is cut, logged once, and the next command runs with a fresh allowance.
 TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
   const test::TempDir dir;
   test::TestGame t(dir);

@@ -87,8 +87,6 @@ TEST(DocumentTypes, FirstStartWritesTheInstalledFilesAndAssociatingAgainReplaces
   EXPECT_FALSE(AssociateFileType("Tarve Game", ".gwl"));
 }
 
-// The sound players: MIDI music rendered through a SoundFont, and wave sounds.
-
 // 53 bytes, one track, 96 ticks to the quarter note: a piano plays C, E and G loudly (half a
 // second each), then the track ends.
 const std::string kThreeNotes =
@@ -134,10 +132,9 @@ TEST(MidiPlayer, RenderedMusicIsHeardForAsLongAsThePieceLasts) {
   EXPECT_EQ(error, text + " is not a MIDI file");
 }
 
-// Files that are missing or of another kind are the interpreter/statements transcript; a wave
-// file that is compressed is refused before the player looks for a way to play it. Each kind is
-// reported unavailable once: without a SoundFont or a Qt application, and (on the build machines)
-// without a sound card; with one, the sounds play and are deleted while playing.
+// Missing files and files of another kind: interpreter/statements.tt. A compressed wave file is
+// refused first; each kind is reported unavailable once (no SoundFont, no Qt application, and on
+// the build machines no sound card); with a sound card the sounds play.
 TEST(Sounds, EachKindIsReportedUnavailableOnceOrPlaysStopsAndReplays) {
   ASSERT_EQ(QCoreApplication::instance(), nullptr);
   test::TempDir dir;

@@ -52,8 +52,6 @@ Lines StateOf(const Game& game) {
   return state;
 }
 
-// The farm in progress: the lamp taken, the key dropped, the pail moved to the barn, a string
-// with separators and quotes, and play in the barn.
 struct FarmInProgress {
   FarmInProgress() {
     EXPECT_TRUE(OpenGame(t.game, game_file));
@@ -87,8 +85,7 @@ TEST(SaveGame, WritesEveryTableInOrderWithCrLfAndSignedNumbersOrNothing) {
   EXPECT_TRUE(text.ends_with("\r\n!n\r\nvisits; 1\r\nscore;-12\r\n!e\r\n")) << text;
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), std::count(text.begin(), text.end(), '\r'));
 
-  // A folder in the way or no game in progress writes nothing (no such folder:
-  // saved/round-trip.tt).
+  // A folder in the way or no game in progress writes nothing.
   const std::string folder = farm.dir.path() + "/folder.tsg";
   fs::create_directory(folder);
   EXPECT_FALSE(SaveGame(farm.t.game, folder));
@@ -143,10 +140,9 @@ TEST(LoadSavedGame, EveryCutOrReorderedFileIsRefusedAndLeavesTheGameInProgressUn
   EXPECT_EQ(StateOf(game), state);
 }
 
-// Random states of the farm (variables with separators, quotes, accents and blanks in their
-// values; things moved, hidden and concealed; items, collectables, the room) saved through the
-// Save As menu load back equal into a fresh player, and saved again give the same file; so does
-// the largest state the variables may hold.
+// Random states of the farm (values with separators, quotes, accents and blanks; things moved,
+// hidden and concealed; items, collectables, the room) saved through Save As load back equal into
+// a fresh player and save again to the same file; so does the largest state variables may hold.
 TEST(SaveRoundTrip, EveryStateSaveWritesLoadsBackEqual) {
   TempDir dir;
   const std::string game_file = dir.Write("farm.gwl", kFarm);
@@ -202,9 +198,8 @@ TEST(SaveRoundTrip, EveryStateSaveWritesLoadsBackEqual) {
   }
 }
 
-// Undo and the kept state of a game left unfinished (offered again through tarve-cli in
-// tests/resume) on undo.gwl, whose "mess" changes every table at once. What the player sees of
-// undo is in the terminal and window tests.
+// Undo and the kept state of an unfinished game (tests/resume offers it again) on undo.gwl, whose
+// "mess" changes every table at once; what the player sees of undo: terminal and window tests.
 struct Lab {
   Lab() {
     start.program_folder = dir.path();

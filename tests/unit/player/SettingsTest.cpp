@@ -19,7 +19,6 @@ using Strings = std::vector<std::string>;
 
 class SettingsTest : public ::testing::Test {
  protected:
-  // Runs `shell <file>` and tells whether the settings let it through to the desktop.
   bool ShellAllows(const std::string& file) {
     const std::size_t opened = t.host.services.size();
     ExecuteScript(t.game, "shell <" + file + ">");
