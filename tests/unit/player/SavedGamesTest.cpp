@@ -100,7 +100,7 @@ TEST(SaveGame, WritesEveryTableInOrderWithCrLfAndSignedNumbersOrNothing) {
   EXPECT_FALSE(fs::exists(farm.dir.path() + "/x.tsg"));
 }
 
-// The refusals a player meets (older, foreign, moved, unreadable files) are in saved/refused.tt.
+// Older, foreign and moved files: saved/refused.tt; unreadable ones: FileSafetyTest below.
 TEST(LoadSavedGame, EveryCutOrReorderedFileIsRefusedAndLeavesTheGameInProgressUntouched) {
   FarmInProgress farm;
   Game& game = farm.t.game;
@@ -286,14 +286,13 @@ TEST(Resume, NothingIsKeptOfARestartedOrFinishedGameAndSavingAsksForAFile) {
 // What a game, a planted link or a file that is no file cannot make the player do: write outside
 // the game's folder, write through a link or a stray file beside a save, lose a save's mode or
 // link, hang on a FIFO, or lose the place to save to.
-
 class FileSafetyTest : public ::testing::Test {
  protected:
   void SetUp() override { ASSERT_TRUE(t.player.OpenGame(dir.Write("game/shed.gwl", kFarm))); }
 
-  test::TempDir dir;
-  test::TempDir outside;
-  test::TestGame t{dir};
+  TempDir dir;
+  TempDir outside;
+  TestGame t{dir};
   Game& game = t.game;
   test::RecordingHost& host = t.host;
   const fs::path folder = dir.path() + "/game";
@@ -312,7 +311,7 @@ TEST_F(FileSafetyTest, FileCopyNeverWritesThroughALinkOrAHardLink) {
                                    ": files may only be copied inside the game's folder.");
   }
   EXPECT_FALSE(fs::exists(outside.path() + "/created.txt"));
-  EXPECT_EQ(test::ReadFile(victim), "precious");
+  EXPECT_EQ(ReadFile(victim), "precious");
   ExecuteScript(game, "advfunc 0001 <existing.txt; copy.txt>");  // nor read through one
   EXPECT_FALSE(fs::exists(folder / "copy.txt"));
 }
@@ -330,9 +329,9 @@ TEST_F(FileSafetyTest, SavingKeepsModeAndLinkAndIgnoresPlantedFiles) {
   host.file_dialog_answers = {saves + "linked.tsg"};
   t.player.MenuSave();
   EXPECT_TRUE(fs::is_symlink(saves + "linked.tsg"));
-  EXPECT_EQ(test::ReadFile(real).rfind("TARVE200.1\r\n", 0), 0u);
+  EXPECT_EQ(ReadFile(real).rfind("TARVE200.1\r\n", 0), 0u);
   EXPECT_EQ(fs::status(real).permissions(), mode);
-  EXPECT_EQ(test::ReadFile(victim), "precious");
+  EXPECT_EQ(ReadFile(victim), "precious");
   // The real file, the link and the planted link: no temporary file left behind.
   EXPECT_EQ(std::distance(fs::directory_iterator(saves), fs::directory_iterator()), 3);
 }
