@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -50,8 +52,6 @@ Lines StateOf(const Game& game) {
   return state;
 }
 
-// The farm in progress: the lamp taken, the key dropped, the pail moved to the barn, a string
-// with separators and quotes, and play in the barn.
 struct FarmInProgress {
   FarmInProgress() {
     EXPECT_TRUE(OpenGame(t.game, game_file));
@@ -85,7 +85,7 @@ TEST(SaveGame, WritesEveryTableInOrderWithCrLfAndSignedNumbersOrNothing) {
   EXPECT_TRUE(text.ends_with("\r\n!n\r\nvisits; 1\r\nscore;-12\r\n!e\r\n")) << text;
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), std::count(text.begin(), text.end(), '\r'));
 
-  // A folder in the way or no game in progress writes nothing (no such folder: saved/round-trip.tt).
+  // A folder in the way or no game in progress writes nothing.
   const std::string folder = farm.dir.path() + "/folder.tsg";
   fs::create_directory(folder);
   EXPECT_FALSE(SaveGame(farm.t.game, folder));
@@ -100,7 +100,7 @@ TEST(SaveGame, WritesEveryTableInOrderWithCrLfAndSignedNumbersOrNothing) {
   EXPECT_FALSE(fs::exists(farm.dir.path() + "/x.tsg"));
 }
 
-// The refusals a player meets (older, foreign, moved, unreadable files) are in saved/refused.tt.
+// Older, foreign and moved files: saved/refused.tt; unreadable ones: FileSafetyTest below.
 TEST(LoadSavedGame, EveryCutOrReorderedFileIsRefusedAndLeavesTheGameInProgressUntouched) {
   FarmInProgress farm;
   Game& game = farm.t.game;
@@ -140,10 +140,9 @@ TEST(LoadSavedGame, EveryCutOrReorderedFileIsRefusedAndLeavesTheGameInProgressUn
   EXPECT_EQ(StateOf(game), state);
 }
 
-// Random states of the farm (variables with separators, quotes, accents and blanks in their
-// values; things moved, hidden and concealed; items, collectables, the room) saved through the
-// Save As menu load back equal into a fresh player, and saved again give the same file; so does
-// the largest state the variables may hold.
+// Random states of the farm (values with separators, quotes, accents and blanks; things moved,
+// hidden and concealed; items, collectables, the room) saved through Save As load back equal into
+// a fresh player and save again to the same file; so does the largest state variables may hold.
 TEST(SaveRoundTrip, EveryStateSaveWritesLoadsBackEqual) {
   TempDir dir;
   const std::string game_file = dir.Write("farm.gwl", kFarm);
@@ -197,6 +196,183 @@ TEST(SaveRoundTrip, EveryStateSaveWritesLoadsBackEqual) {
     ASSERT_TRUE(SaveGame(loaded.game, path));
     EXPECT_TRUE(ReadFile(path) == first) << "seed " << seed;
   }
+}
+
+// Undo and the kept state of an unfinished game (tests/resume offers it again) on undo.gwl, whose
+// "mess" changes every table at once; what the player sees of undo: terminal and window tests.
+struct Lab {
+  Lab() {
+    start.program_folder = dir.path();
+    start.resume_folder = dir.path() + "/resume";
+    EXPECT_EQ(t.player.Start(path, start), Player::Started::kGame);
+  }
+  TempDir dir;
+  TestGame t{dir};
+  Player& player = t.player;
+  std::string path = std::string(TARVE_TEST_GAMES) + "/player/undo.gwl";
+  Player::StartOptions start;
+};
+
+TEST(Undo, TakesBackEveryTableATurnChangedAndSkipsTurnsThatChangedNothing) {
+  Lab lab;
+  EXPECT_FALSE(lab.player.CanUndo());
+  const Lines before = StateOf(lab.t.game);
+  const std::size_t bytes = lab.t.game.variables.bytes;
+  for (int round = 0; round < 2; ++round) {  // the game plays on, and undoes again
+    lab.player.SubmitCommand("mess");
+    ASSERT_NE(StateOf(lab.t.game), before);
+    lab.t.host.viewer_rows.clear();
+    EXPECT_TRUE(lab.player.Undo());
+    // Names as first spelt ("WORD" set "word"), and a variable the turn made is gone.
+    EXPECT_EQ(StateOf(lab.t.game), before);
+    EXPECT_EQ(lab.t.game.variables.bytes, bytes);
+    EXPECT_EQ(lab.t.host.location, "  Hall");  // the panes follow
+    EXPECT_EQ(lab.t.host.items.find("lamp"), std::string::npos);
+    EXPECT_FALSE(lab.t.host.viewer_rows.empty());
+    EXPECT_FALSE(lab.player.Undo());
+  }
+  lab.player.SubmitCommand("xyzzy");
+  EXPECT_FALSE(lab.player.CanUndo());
+  for (int i = 0; i < 105; ++i) {
+    lab.player.SubmitCommand("tick");
+    lab.player.SubmitCommand("look");
+  }
+  int undone = 0;
+  while (lab.player.Undo()) ++undone;
+  EXPECT_EQ(undone, 100);  // only the last hundred are kept
+  EXPECT_EQ(GetNumericVariable(lab.t.game, "count"), 6);
+}
+
+TEST(Undo, AnAnswerIsPartOfItsTurnAndNothingIsUndoneAfterALoadOrTheEnd) {
+  Lab lab;
+  lab.t.host.input = {"yes"};
+  lab.player.SubmitCommand("ask");
+  ASSERT_EQ(GetStringVariable(lab.t.game, "answer"), "yes");
+  EXPECT_TRUE(lab.player.Undo());
+  EXPECT_EQ(FindVariable(lab.t.game.variables.strings, "answer"), nullptr);
+
+  lab.player.SubmitCommand("tick");
+  const std::string saved = lab.dir.path() + "/one.tsg";
+  lab.t.host.file_dialog_answers = {saved, saved};
+  lab.player.MenuSave();
+  EXPECT_TRUE(lab.player.CanUndo());  // saving keeps the turns
+  lab.player.MenuLoad();
+  EXPECT_FALSE(lab.player.CanUndo());
+  lab.player.SubmitCommand("tick");
+  lab.player.SubmitCommand("die");
+  EXPECT_TRUE(lab.player.game_over());
+  EXPECT_FALSE(lab.player.Undo());
+}
+
+TEST(Resume, NothingIsKeptOfARestartedOrFinishedGameAndSavingAsksForAFile) {
+  Lab lab;
+  const std::string kept = lab.player.ResumeFile(lab.path);
+  lab.player.SubmitCommand("mess");
+  lab.player.MenuRestart();  // asked, and answered yes
+  ASSERT_TRUE(lab.player.RequestClose());
+  EXPECT_FALSE(fs::exists(kept));
+
+  ASSERT_TRUE(lab.player.OpenGame(lab.path));
+  lab.player.SubmitCommand("mess");
+  ASSERT_TRUE(lab.player.RequestClose());
+  ASSERT_TRUE(lab.player.OpenGame(lab.path));  // go on: yes
+  EXPECT_EQ(lab.t.game.world.current_room, "Yard");
+  EXPECT_TRUE(lab.t.game.run.current_saved_game_path.empty());
+  lab.player.SubmitCommand("die");
+  ASSERT_TRUE(lab.player.RequestClose());
+  EXPECT_FALSE(fs::exists(kept));
+}
+
+// What a game, a planted link or a file that is no file cannot make the player do: write outside
+// the game's folder, write through a link or a stray file beside a save, lose a save's mode or
+// link, hang on a FIFO, or lose the place to save to.
+class FileSafetyTest : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(t.player.OpenGame(dir.Write("game/shed.gwl", kFarm))); }
+
+  TempDir dir;
+  TempDir outside;
+  TestGame t{dir};
+  Game& game = t.game;
+  test::RecordingHost& host = t.host;
+  const fs::path folder = dir.path() + "/game";
+};
+
+TEST_F(FileSafetyTest, FileCopyNeverWritesThroughALinkOrAHardLink) {
+  dir.Write("game/in.txt", "hello");
+  const std::string victim = outside.Write("victim.txt", "precious");
+  fs::create_symlink(outside.path() + "/created.txt", folder / "dangling.txt");
+  fs::create_symlink(victim, folder / "existing.txt");
+  fs::create_hard_link(victim, folder / "hard.txt");
+  for (const char* destination : {"dangling.txt", "existing.txt", "hard.txt"}) {
+    ExecuteScript(game, std::string("advfunc 0001 <in.txt; ") + destination + ">");
+    EXPECT_EQ(GetNumericVariable(game, "!tarve.int.filecopyerror"), 1) << destination;
+    EXPECT_EQ(host.log.back(), std::string("Error: Refused to copy in.txt to ") + destination +
+                                   ": files may only be copied inside the game's folder.");
+  }
+  EXPECT_FALSE(fs::exists(outside.path() + "/created.txt"));
+  EXPECT_EQ(ReadFile(victim), "precious");
+  ExecuteScript(game, "advfunc 0001 <existing.txt; copy.txt>");  // nor read through one
+  EXPECT_FALSE(fs::exists(folder / "copy.txt"));
+}
+
+TEST_F(FileSafetyTest, SavingKeepsModeAndLinkAndIgnoresPlantedFiles) {
+  // A save reached through a link is written where the link leads, with the old mode kept.
+  const std::string saves = dir.path() + "/saves/";
+  const std::string real = dir.Write("saves/real.tsg", "old");
+  const fs::perms mode = fs::perms::owner_read | fs::perms::owner_write;
+  fs::permissions(real, mode);
+  fs::create_symlink("real.tsg", saves + "linked.tsg");
+  // Files planted under the names a save might use for its temporary file are never used.
+  const std::string victim = outside.Write("victim.txt", "precious");
+  fs::create_symlink(victim, saves + "real.tsg.tmp~");
+  host.file_dialog_answers = {saves + "linked.tsg"};
+  t.player.MenuSave();
+  EXPECT_TRUE(fs::is_symlink(saves + "linked.tsg"));
+  EXPECT_EQ(ReadFile(real).rfind("TARVE200.1\r\n", 0), 0u);
+  EXPECT_EQ(fs::status(real).permissions(), mode);
+  EXPECT_EQ(ReadFile(victim), "precious");
+  // The real file, the link and the planted link: no temporary file left behind.
+  EXPECT_EQ(std::distance(fs::directory_iterator(saves), fs::directory_iterator()), 3);
+}
+
+// A save whose folder went away asks for another file at once, and goes on with that one.
+TEST_F(FileSafetyTest, AFailedSaveAsksForAnotherFile) {
+  host.file_dialog_answers = {dir.path() + "/game/first.tsg", dir.path() + "/second.tsg"};
+  t.player.MenuSave();
+  fs::remove_all(folder);
+  t.player.MenuSave();
+  EXPECT_EQ(host.messages.back(),
+            "[Error] Unable to save the game to " + folder.string() + "/first.tsg");
+  EXPECT_TRUE(fs::exists(dir.path() + "/second.tsg"));
+  t.player.MenuSave();
+  EXPECT_EQ(host.file_dialogs, (std::vector<std::string>{"save", "save"}));
+}
+
+TEST_F(FileSafetyTest, FifosAndDevicesAreRefusedWithoutWaiting) {
+  const std::string fifo = folder / "pipe.gwl";
+  const std::string saved = folder / "pipe.tsg";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600) | mkfifo(saved.c_str(), 0600), 0);
+  dir.Write("game/lib.gwl", "!include <pipe.gwl>\n" + std::string(kFarm));
+
+  EXPECT_FALSE(t.player.LoadSavedGame(saved));
+  EXPECT_FALSE(t.player.LoadSavedGame("/dev/null"));
+  EXPECT_EQ(host.messages.back(), "[Error] Unable to open /dev/null");
+  EXPECT_EQ(game.world.current_room, "yard");  // the game in progress goes on
+  EXPECT_FALSE(t.player.OpenGame(fifo));
+  EXPECT_EQ(host.messages.back(), "[Error] Unable to open " + fifo);
+  EXPECT_FALSE(t.player.OpenGame(dir.path() + "/game/lib.gwl"));
+  EXPECT_NE(std::find(host.log.begin(), host.log.end(), "ERROR: Library not found."),
+            host.log.end());
+
+  // The copy of the game's text is refused too when nobody reads the FIFO it would go to.
+  game.settings.output_file = true;
+  game.settings.out_file = saved;
+  ASSERT_TRUE(t.player.OpenGame(folder / "shed.gwl"));
+  EXPECT_NE(std::find(host.log.begin(), host.log.end(),
+                      "Warning: Unable to open the output file " + saved +
+                          " - the game's text is not copied to it."),
+            host.log.end());
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Variables.h"
 #include "player/InstalledGamesList.h"
+#include "player/OptionsForm.h"
 #include "player/Settings.h"
 #include "player/SettingsStore.h"
 #include "support/TestSupport.h"
@@ -18,7 +19,6 @@ using Strings = std::vector<std::string>;
 
 class SettingsTest : public ::testing::Test {
  protected:
-  // Runs `shell <file>` and tells whether the settings let it through to the desktop.
   bool ShellAllows(const std::string& file) {
     const std::size_t opened = t.host.services.size();
     ExecuteScript(t.game, "shell <" + file + ">");
@@ -72,22 +72,6 @@ TEST_F(SettingsTest, GarbageValuesReadAsTheNumberAndTruthRulesSay) {
   EXPECT_EQ(ReadSettings(store).custom_security, (Strings{"DOC", "", "ŸES"}));
 }
 
-// Every key is written by the options window's test; here a list that shrinks.
-TEST_F(SettingsTest, AShorterListLeavesNoStaleEntriesAndAnEmptyOneStaysEmpty) {
-  Settings s;
-  s.default_font_size = 10.5f;
-  s.custom_security = {"TXT", "PNG", "WAV"};
-  ASSERT_TRUE(SaveSettings(s, store));
-  EXPECT_EQ(store.Read("Options", "DefaultFontSize"), "10.5");
-  EXPECT_EQ(ReadSettings(store).custom_security, s.custom_security);
-  s.custom_security = {"TXT"};
-  ASSERT_TRUE(SaveSettings(s, store));
-  EXPECT_FALSE(store.Read("Security", "CustomSecurity2"));
-  s.custom_security.clear();
-  ASSERT_TRUE(SaveSettings(s, store));
-  EXPECT_TRUE(ReadSettings(store).custom_security.empty());
-}
-
 TEST_F(SettingsTest, InstalledGamesSurviveDamagedCountsAndMissingKeys) {
   EXPECT_TRUE(ReadInstalledGames(store).empty());  // no "Games" section at all
   store.Write("Games", "Name1", "Manor");
@@ -103,17 +87,12 @@ TEST_F(SettingsTest, InstalledGamesSurviveDamagedCountsAndMissingKeys) {
       EXPECT_EQ(games[1].name, "/games/cave.cgw");
     }
   }
-  // The launcher adds after the stored count; a file that cannot be opened is not added, and
-  // the window that asked tells the player.
+  // The launcher adds after the stored count, over no entry (refusals: the launcher's tests).
   InstalledGamesList list(store);
   ASSERT_EQ(list.size(), 2);
   EXPECT_TRUE(list.Add(t.game, dir.Write("manor.gwl", "define game <Manor>\nend define\n")).added);
   EXPECT_EQ(store.Read("Games", "Name5"), "Manor");
   EXPECT_EQ(store.Read("Games", "NumInstalled"), "5");
-  const InstalledGamesList::AddResult refused = list.Add(t.game, dir.path() + "/none.gwl");
-  EXPECT_TRUE(refused.error.ends_with("- the file could not be opened."));
-  EXPECT_EQ(list.size(), 3);
-  EXPECT_TRUE(t.host.messages.empty());
   // Writing the list back renumbers it and drops the keys of entries beyond it.
   ASSERT_TRUE(WriteInstalledGames(store, {{"Cave", "/games/cave.cgw"}}));
   EXPECT_EQ(store.Read("Games", "Name1"), "Cave");
@@ -142,14 +121,47 @@ TEST_F(SettingsTest, GameTitleComesFromTheFirstDefineGameField) {
   EXPECT_EQ(GetGameTitle(t.game, dir.path() + "/missing.cgw"), dir.path() + "/missing.cgw");
 }
 
-// Another spelling of the path, relative or not, and a game not on the list are in the
-// startup/installed-from-command-line and not-installed-refused transcripts.
-TEST_F(SettingsTest, InstalledGameIsRecognisedThroughALinkAndInItsOwnCase) {
+// An installed game picked from the list opens as one in startup/installed-games.tt.
+TEST_F(SettingsTest, InstalledGameIsRecognisedByAnotherSpellingOrALinkAndInItsOwnCase) {
+  namespace fs = std::filesystem;
   const std::string manor = dir.Write("manor.gwl", "define game <Manor>\nend define\n");
-  ASSERT_TRUE(WriteInstalledGames(store, {{"Manor", manor}}));
-  std::filesystem::create_symlink(manor, dir.path() + "/link.gwl");
+  fs::current_path(dir.path());  // listed relative to the folder the player started in
+  const std::string relative = "../" + fs::path(dir.path()).filename().string() + "/./manor.gwl";
+  ASSERT_TRUE(WriteInstalledGames(store, {{"Manor", relative}}));
+  fs::create_symlink(manor, dir.path() + "/link.gwl");
+  EXPECT_TRUE(IsInstalledGame(store, manor));
   EXPECT_TRUE(IsInstalledGame(store, dir.path() + "/link.gwl"));
   EXPECT_FALSE(IsInstalledGame(store, dir.path() + "/MANOR.gwl"));
+}
+
+// The window-free models behind the launcher and the options window where the windows' own tests
+// cannot reach: the data folder and what the form keeps.
+
+TEST(UserDataFolder, FollowsAnAbsoluteXdgDataHomeElseTheHomeFolder) {
+  EXPECT_EQ(UserDataFolder("/data", "/home/ann"), "/data/Tarve");
+  EXPECT_EQ(UserDataFolder("relative", "/home/ann"), "/home/ann/.local/share/Tarve");
+  EXPECT_EQ(UserDataFolder(nullptr, nullptr), "");
+}
+
+TEST(OptionsForm, ConfirmWritesEveryKeyAndKeepsWhatIsNoColourOrNoLevel) {
+  MemorySettingsStore store;
+  Settings settings;
+  settings.custom_security = {"TXT", "PNG", "WAV"};  // a longer list leaves no entries behind
+  ASSERT_TRUE(SaveSettings(settings, store));
+  settings.security_type = 0;  // read from a damaged store
+  OptionsForm form(settings, "/unused");
+  form.values.label_foreground_colour = "a0b1c2";
+  form.values.label_background_colour = "12345";
+  form.values.custom_security = {"TXT"};
+  ASSERT_TRUE(form.Confirm(settings, store));
+  EXPECT_EQ(settings.label_foreground_colour, "A0B1C2");
+  EXPECT_EQ(store.Read("Options", "LabelBackgroundColour"), "600070");
+  EXPECT_EQ(store.Read("Security", "SecurityType"), "0");
+  EXPECT_EQ(store.Size(), 16u + 4u + 1u);  // options, security and the one list entry
+  EXPECT_EQ(ReadSettings(store).custom_security, Strings{"TXT"});
+  settings.custom_security.clear();  // an empty list stays empty
+  ASSERT_TRUE(SaveSettings(settings, store));
+  EXPECT_TRUE(ReadSettings(store).custom_security.empty());
 }
 
 }  // namespace
