@@ -23,13 +23,16 @@ namespace {
 TEST(ShowMessage, PlatformBoxShowsTheTextAsWrittenAndGivesTheAnswerOfItsButton) {
   for (const auto& [style, yes, answer] :
        {std::tuple{kOkCancel + kExclamation, false, kAnswerCancel}, {kYesNo, true, kAnswerYes}}) {
-    QString text;
-    bool own_box = true;
-    AnswerMessage(yes, &text, &own_box);
-    EXPECT_EQ(ShowMessage(nullptr, "Open <the> door?\r\nA & B", "Tarve", style, false), answer);
-    EXPECT_FALSE(own_box);
+    int given = 0;
     // Game text is shown as written, not as markup, with the line end as a line break.
-    EXPECT_EQ(text, QStringLiteral("Open <the> door?\nA & B"));
+    EXPECT_EQ(Answering(
+                  [&] {
+                    given =
+                        ShowMessage(nullptr, "Open <the> door?\r\nA & B", "Tarve", style, false);
+                  },
+                  yes),
+              QStringList{"QMessageBox Tarve: Open <the> door?\nA & B"});
+    EXPECT_EQ(given, answer);
   }
 }
 
@@ -373,12 +376,10 @@ TEST_F(OptionsWindowTest, PagesTheSampleBoxAndCancelWhichChangesNothing) {
   // The style the sample box shows is the one ticked now, before OK.
   for (const bool special : {true, false}) {
     options.chkSpecialMsgBox()->setChecked(special);
-    QString shown;
-    bool own_box = !special;
-    AnswerMessage(true, &shown, &own_box);
-    options.butDemoMsgBox()->click();
-    EXPECT_EQ(shown, "This is the style of message box you have selected.");
-    EXPECT_EQ(own_box, special);
+    EXPECT_EQ(
+        Answering([&] { options.butDemoMsgBox()->click(); }),
+        QStringList{QStringLiteral("%1 Tarve: This is the style of message box you have selected.")
+                        .arg(special ? "tarve::frmDunMsgBox" : "QMessageBox")});
   }
 
   // Cancel changes nothing, not even what the font and list editors chose.

@@ -1,11 +1,13 @@
-// The game window with the real application and a small test game.
-
+// The game window with the real application and a small test game, and the launcher with its
+// editor of the installed games.
 #include "WindowTestSupport.h"
 #include "desktop/DesktopHost.h"
 #include "desktop/DesktopServices.h"
 #include "interpreter/Variables.h"
 #include "player/Player.h"
+#include "player/SettingsStore.h"
 #include "player/windows/RichOutputPane.h"
+#include "player/windows/frmEditInstalledList.h"
 #include "player/windows/frmGWLLog.h"
 #include "player/windows/frmMain.h"
 #include "player/windows/frmNewGame.h"
@@ -96,15 +98,15 @@ class GameWindowTest : public testing::Test {
     return "no text " + word.toStdString();
   }
 
-  // 1 per enabled control: box, Run, list, Save, Load, Restart, Game Info, Different Game; the
-  // ten direction buttons.
+  // 1 per enabled control: box, Run, list, Save, Load, Restart, Game Info, Different Game, Undo;
+  // the ten direction buttons.
   std::string Enabled() {
     frmMain& w = window();
     std::string letters;
-    for (bool on :
-         {w.txtCommand()->isEnabled(), w.butExecute()->isEnabled(), w.lstObjects()->isEnabled(),
-          w.mnuSave()->isEnabled(), w.mnuLoad()->isEnabled(), w.mnuRestart()->isEnabled(),
-          w.mnuGameInfo()->isEnabled(), w.mnuDifferentGame()->isEnabled()}) {
+    for (bool on : {w.txtCommand()->isEnabled(), w.butExecute()->isEnabled(),
+                    w.lstObjects()->isEnabled(), w.mnuSave()->isEnabled(), w.mnuLoad()->isEnabled(),
+                    w.mnuRestart()->isEnabled(), w.mnuGameInfo()->isEnabled(),
+                    w.mnuDifferentGame()->isEnabled(), w.mnuUndo()->isEnabled()}) {
       letters += on ? '1' : '0';
     }
     letters += ' ';
@@ -113,13 +115,11 @@ class GameWindowTest : public testing::Test {
   }
 
   // Chooses `thing` in the list (nothing when empty); tells which action buttons show.
-  std::vector<int> Choose(const QString& thing = {}) {
+  std::string Choose(const QString& thing = {}) {
     QListWidget* list = window().lstObjects();
     if (!thing.isEmpty()) list->setCurrentItem(list->findItems(thing, Qt::MatchExactly).value(0));
-    std::vector<int> shown;
-    for (int i = 0; i < 4; ++i) {
-      if (!window().butDo(i)->isHidden()) shown.push_back(i);
-    }
+    std::string shown;
+    for (int i = 0; i < 4; ++i) shown += window().butDo(i)->isHidden() ? "" : std::to_string(i);
     return shown;
   }
 
@@ -147,7 +147,7 @@ TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
   EXPECT_EQ(key(Qt::Key_F12), QString()) << "no command yet";
   Type(QStringLiteral("look"));
   EXPECT_EQ(box->text(), QString()) << "a command leaves the box empty";
-  EXPECT_FALSE(window().mnuUndo()->isEnabled()) << "a look changes nothing";
+  EXPECT_EQ(Enabled(), "111111110 1000111000") << "a look changes nothing";
   Type(QStringLiteral("styles"));
   QTest::keyClicks(box, QStringLiteral("dra"));
   EXPECT_EQ(key(Qt::Key_F12), QStringLiteral("styles"));
@@ -155,27 +155,24 @@ TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
   EXPECT_EQ(key(Qt::Key_F11), QString());
   // Up and Down walk through the session's commands and back to what was being typed.
   QTest::keyClicks(box, QStringLiteral("dra"));
-  EXPECT_EQ(key(Qt::Key_Up), QStringLiteral("styles"));
-  key(Qt::Key_Up);
-  EXPECT_EQ(key(Qt::Key_Up), QStringLiteral("look"));
-  key(Qt::Key_Down);
-  EXPECT_EQ(key(Qt::Key_Down), QStringLiteral("dra"));
-  // Enter or Run on an empty box prints nothing.
+  QString walk;
+  for (Qt::Key pressed : {Qt::Key_Up, Qt::Key_Up, Qt::Key_Up, Qt::Key_Down, Qt::Key_Down}) {
+    walk += key(pressed) + ' ';
+  }
+  EXPECT_EQ(walk, QStringLiteral("styles look look styles dra "));
+  // Run on an empty box prints nothing.
   box->clear();
   const QString before = Output();
-  key(Qt::Key_Return);
   window().butExecute()->click();
   EXPECT_EQ(Output(), before);
 
   // While a move can be taken back, Ctrl+Z takes it back; then it is the box's own again.
   Type(QStringLiteral("north"));
-  EXPECT_TRUE(window().mnuUndo()->isEnabled());
-  EXPECT_FALSE(window().butDir(0)->isEnabled());
+  EXPECT_EQ(Enabled(), "111111111 0110010000");
   QTest::keyClicks(box, QStringLiteral("half typed"));
   key(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(Location(), QStringLiteral("Hall"));
-  EXPECT_TRUE(window().butDir(0)->isEnabled());
-  EXPECT_FALSE(window().mnuUndo()->isEnabled());
+  EXPECT_EQ(Enabled(), "111111110 1000111000");
   EXPECT_EQ(key(Qt::Key_Z, Qt::ControlModifier), QString());
 
   // A key wait disables the controls; any key, Enter (which runs nothing) or a click in the
@@ -186,8 +183,7 @@ TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
     PressKey(&window(), Qt::Key_X);
   });
   Type(QStringLiteral("pause"));
-  EXPECT_EQ(during, "00000000 0000000000");
-  EXPECT_EQ(Enabled(), "11111111 1000111000");
+  EXPECT_EQ(during, "000000000 0000000000");
   EXPECT_TRUE(box->hasFocus());
   DuringWait([&] {
     box->setText(QStringLiteral("win"));
@@ -205,7 +201,7 @@ TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
   });
   Type(QStringLiteral("ask"));
   Type(QStringLiteral("answer"));
-  EXPECT_EQ(during, "10000000 0000000000");
+  EXPECT_EQ(during, "100000000 0000000000");
   EXPECT_TRUE(Output().contains(QStringLiteral("You said blue.")));
 }
 
@@ -269,32 +265,31 @@ TEST_F(GameWindowTest, ButtonsListsViewersAndMenusFollowTheGame) {
   Open();
   // Direction buttons: north, out and northeast in the hall.
   QTest::mouseClick(window().butDir(0), Qt::LeftButton);
-  EXPECT_EQ(Location(), QStringLiteral("Garden"));
-  EXPECT_EQ(Enabled(), "11111111 0110010000");  // south and west
+  EXPECT_EQ(Location() + " " + QString::fromStdString(Enabled()), "Garden 111111111 0110010000");
   EXPECT_TRUE(window().Timer1()->isActive()) << "a new room lights the label up";
   QTest::mouseClick(window().butDir(1), Qt::LeftButton);
   QTest::mouseClick(window().butDir(6), Qt::LeftButton);
-  EXPECT_EQ(Enabled(), "11111111 0000010001");  // southwest only
+  EXPECT_EQ(Enabled(), "111111111 0000010001");  // southwest only
   window().butDir(9)->click();
 
   // Action buttons show per kind of entry and act on it.
-  EXPECT_TRUE(Choose().empty()) << "nothing is chosen yet";
-  EXPECT_EQ(Choose(QStringLiteral("Butler")), (std::vector<int>{1, 2}));
+  EXPECT_EQ(Choose(), "") << "nothing is chosen yet";
+  EXPECT_EQ(Choose(QStringLiteral("Butler")), "12");
   EXPECT_EQ(window().butDo(2)->accessibleName(), QStringLiteral("Speak to Butler"));
   window().butDo(2)->click();
   EXPECT_TRUE(Output().contains(QStringLiteral("> speak to Butler\n\"Good evening.\"")));
-  EXPECT_EQ(Choose(QStringLiteral("lamp")), (std::vector<int>{1, 3}));
+  EXPECT_EQ(Choose(QStringLiteral("lamp")), "13");
   window().butDo(3)->click();
   EXPECT_TRUE(window().txtItems()->toPlainText().contains(QStringLiteral("lamp")));
   // With the inventory shown come the collectables; a choice answered in its dialog scores.
-  ASSERT_EQ(window().lstCollectables()->count(), 1);
   WhenOpens<frmSelection>([](frmSelection* selection) { selection->butOK()->click(); });
   Type(QStringLiteral("pick"));
+  ASSERT_EQ(window().lstCollectables()->count(), 1);
   EXPECT_EQ(window().lstCollectables()->item(0)->text(), QStringLiteral("Score: 5"));
-  EXPECT_EQ(Choose(QStringLiteral("Kitchen")), (std::vector<int>{0, 1}));
+  EXPECT_EQ(Choose(QStringLiteral("Kitchen")), "01");
   window().butDo(0)->click();
   EXPECT_TRUE(Output().contains(QStringLiteral("Pots and pans.")));
-  EXPECT_TRUE(Choose().empty()) << "a new room's list has nothing chosen";
+  EXPECT_EQ(Choose(), "") << "a new room's list has nothing chosen";
 
   window().mnuViewLog()->trigger();
   frmGWLLog* log = window().LogWindow();
@@ -337,7 +332,7 @@ TEST_F(GameWindowTest, ButtonsListsViewersAndMenusFollowTheGame) {
 
   // Game over leaves only loading, restarting and leaving.
   Type(QStringLiteral("win"));
-  EXPECT_EQ(Enabled(), "00001101 0000000000");
+  EXPECT_EQ(Enabled(), "000011010 0000000000");
   EXPECT_TRUE(window().lblStatus()->text().startsWith(QStringLiteral("GAME OVER")));
 }
 
@@ -358,34 +353,22 @@ TEST_F(GameWindowTest, SavingLoadingAndRestartingAskWhereTheyShould) {
   window().mnuLoad()->trigger();
   EXPECT_EQ(Location(), QStringLiteral("Hall"));
   window().butDir(0)->click();
-  bool asked = false;
-  QTimer guard;  // closes a dialog that should not open, so that the test does not hang
-  guard.callOnTimeout([&] {
-    if (QWidget* modal = QApplication::activeModalWidget()) asked = modal->close();
-  });
-  guard.start(50);
-  window().mnuSave()->trigger();
-  guard.stop();
-  EXPECT_FALSE(asked);
+  EXPECT_TRUE(Answering([this] { window().mnuSave()->trigger(); }).empty());
   QFile saved(path);
   ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
   EXPECT_TRUE(saved.readAll().contains("Garden"));
 
   // Restart asks in the platform's box, or with the setting on in the program's own; Yes
   // restarts.
-  player_->game().settings.special_msg_box = false;
-  QString text;
-  bool own_box = true;
-  AnswerMessage(false, &text, &own_box);
-  window().mnuRestart()->trigger();
-  EXPECT_FALSE(own_box);
-  EXPECT_EQ(text, QStringLiteral("Do you really want to restart this game from the beginning?"));
-  EXPECT_EQ(Location(), QStringLiteral("Garden"));
-  player_->game().settings.special_msg_box = true;
-  AnswerMessage(true, nullptr, &own_box);
-  window().mnuRestart()->trigger();
-  EXPECT_TRUE(own_box);
-  EXPECT_EQ(Location(), QStringLiteral("Hall"));
+  for (const bool own : {false, true}) {
+    player_->game().settings.special_msg_box = own;
+    EXPECT_EQ(
+        Answering([this] { window().mnuRestart()->trigger(); }, own),
+        QStringList{
+            QStringLiteral("%1 Tarve: Do you really want to restart this game from the beginning?")
+                .arg(own ? "tarve::frmDunMsgBox" : "QMessageBox")});
+    EXPECT_EQ(Location(), own ? QStringLiteral("Hall") : QStringLiteral("Garden"));
+  }
   EXPECT_FALSE(Output().contains(QStringLiteral("> north")));
 }
 
@@ -397,24 +380,258 @@ TEST_F(GameWindowTest, LeavingTheGameAsksAndGoesBackToTheLauncher) {
   emit host_.launcher()->playGame(QString::fromStdString(kWindowGame));
   EXPECT_EQ(Shown(), "w-g");
   // Closing the window asks; No keeps the game.
-  AnswerMessage(false);
-  EXPECT_FALSE(window().close());
+  EXPECT_EQ(Answering([this] { EXPECT_FALSE(window().close()); }, false).size(), 1);
   EXPECT_EQ(Shown(), "w-g");
   // Yes, even during a wait, ends the wait and the game, and the launcher comes back.
-  DuringWait([&] {
-    AnswerMessage(true);
-    EXPECT_TRUE(window().close());
-  });
+  DuringWait([&] { EXPECT_EQ(Answering([this] { EXPECT_TRUE(window().close()); }).size(), 1); });
   Type(QStringLiteral("pause"));  // returns: the wait ended with the game
   EXPECT_EQ(Shown(), "-l-");
   // Leaving for a different game comes back to the same launcher; leaving it ends the program.
   emit host_.launcher()->playGame(QString::fromStdString(kWindowGame));
-  AnswerMessage(true);
-  window().mnuDifferentGame()->trigger();
+  Answering([this] { window().mnuDifferentGame()->trigger(); });
   EXPECT_EQ(Shown(), "-l-");
   EXPECT_FALSE(host_.ending());
   host_.launcher()->butExit()->click();
   EXPECT_TRUE(host_.ending());
+}
+
+// The launcher shows its own boxes; the game it reads titles with needs a host that says nothing.
+class QuietHost : public OutputPane, public Dialogs, public GameWindow, public PlatformServices {
+ public:
+  void InsertText(std::string_view) override {}
+  int ShowMessage(const std::string&, const std::string&, int) override { return kAnswerOk; }
+};
+
+const QString kDefaultHelp = QString::fromLatin1(frmNewGame::kDefaultHelp);
+
+class LauncherTest : public ::testing::Test {
+ protected:
+  LauncherTest() { game.settings.special_msg_box = true; }
+
+  std::string Write(const std::string& name, const std::string& text) {
+    const std::string path = folder.filePath(QString::fromStdString(name)).toStdString();
+    std::ofstream(path, std::ios::binary) << text;
+    return path;
+  }
+  void Open(int installed = 0) {
+    std::vector<InstalledGame> games;
+    for (int i = 1; i <= installed; ++i) {
+      games.push_back({"Game " + std::to_string(i), "/games/game" + std::to_string(i) + ".gwl"});
+    }
+    EXPECT_TRUE(installed == 0 || WriteInstalledGames(store, games));
+    launcher = std::make_unique<frmNewGame>(game, store, Chooser());
+    launcher->show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(launcher.get()));
+  }
+  // The file dialogs answer from `chosen` in turn (cancelled when it runs out) and keep the
+  // filters they were given.
+  FileChooser Chooser() {
+    return [this](QWidget*, const QString&, const QString& filter) {
+      filters.push_back(filter);
+      std::optional<std::string> answer;
+      if (!chosen.empty()) {
+        answer = chosen.front();
+        chosen.pop_front();
+      }
+      return answer;
+    };
+  }
+  QStringList ShownGames() {
+    QStringList shown;
+    for (int slot = 0; slot < frmNewGame::kVisibleGames; ++slot) {
+      QPushButton* button = launcher->butInstalledGame(slot);
+      if (!button->isHidden()) shown << button->accessibleName();
+    }
+    return shown;
+  }
+  // Browses to `path` and, unless AutoInstall did, presses Add; tells the message boxes shown.
+  QStringList BrowseAndAdd(const std::string& path) {
+    chosen.push_back(path);
+    return Answering([this] {
+      launcher->butBrowse()->click();
+      if (!game.settings.auto_install) launcher->butAdd()->click();
+    });
+  }
+
+  QTemporaryDir folder;
+  QuietHost host;
+  Game game{Host(host)};
+  MemorySettingsStore store;
+  std::deque<std::optional<std::string>> chosen;
+  std::vector<QString> filters;
+  std::unique_ptr<frmNewGame> launcher;
+};
+
+TEST_F(LauncherTest, HelpLineAndEightGamesAtOnceThatTheScrollBarMovesOneAStep) {
+  Open(20);
+  EXPECT_TRUE(launcher->windowTitle().startsWith(QStringLiteral("Welcome to Tarve ")));
+  EXPECT_EQ(launcher->lblHelp()->text(), kDefaultHelp);
+  // Straight from a control to a plain part of the window, and back.
+  const std::pair<QWidget*, QString> moves[] = {
+      {launcher->butInstalledGame(2), "Click the name of the game you want to play"},
+      {launcher.get(), kDefaultHelp},
+      {launcher->butAdd(), "Click here to add this game to the list of 'Installed Games' above"},
+      {launcher->frameInstalledGames(), kDefaultHelp},
+      {launcher->butExit(), "Click here to exit Tarve"},
+      {launcher->frameOtherGames(), kDefaultHelp}};
+  for (const auto& [part, help] : moves) {
+    QTest::mouseMove(part, QPoint(2, 2));
+    EXPECT_EQ(launcher->lblHelp()->text(), help) << part->objectName().toStdString();
+  }
+  // The scroll bar explains itself when it takes the keyboard focus.
+  launcher->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(launcher.get()));
+  launcher->scrlGamePos()->setFocus(Qt::TabFocusReason);
+  EXPECT_EQ(launcher->lblHelp()->text(), "Scroll to see the complete list of installed games");
+
+  QSignalSpy played(launcher.get(), &frmNewGame::playGame);
+  QScrollBar* bar = launcher->scrlGamePos();
+  ASSERT_EQ(ShownGames().size(), 8);
+  EXPECT_EQ(bar->maximum(), 12);
+  bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+  EXPECT_EQ(ShownGames().front(), QStringLiteral("Game 2"));
+  launcher->butInstalledGame(7)->click();
+  // The keyboard walks down the buttons and, at the last, moves the list under it.
+  launcher->butInstalledGame(7)->setFocus();
+  QTest::keyClick(launcher->butInstalledGame(7), Qt::Key_Down);
+  EXPECT_EQ(ShownGames().back(), QStringLiteral("Game 10"));
+  EXPECT_TRUE(launcher->butInstalledGame(7)->hasFocus());
+  QTest::keyClick(launcher->butInstalledGame(7), Qt::Key_Space);
+  ASSERT_EQ(played.count(), 2);
+  EXPECT_EQ(played.at(0).at(0).toString() + " " + played.at(1).at(0).toString(),
+            QStringLiteral("/games/game9.gwl /games/game10.gwl"));
+  QTest::keyClick(launcher->butInstalledGame(7), Qt::Key_PageDown);
+  EXPECT_EQ(ShownGames().back(), QStringLiteral("Game 18"));
+
+  // A short list hides the buttons it does not need and has nothing to scroll.
+  ASSERT_TRUE(WriteInstalledGames(store, {{"Fish & Chips", "/games/fish.gwl"}}));
+  launcher->DisplayInstalledGames();
+  EXPECT_EQ(ShownGames(), QStringList{QStringLiteral("Fish & Chips")});
+  EXPECT_EQ(launcher->butInstalledGame(0)->text(), QStringLiteral("Fish && Chips"));
+  EXPECT_FALSE(bar->isEnabled());
+}
+
+TEST_F(LauncherTest, AddRefusesFilesWithoutATitleWithTheErrorBoxAndAddsTheRest) {
+  Open();
+  EXPECT_FALSE(launcher->butAdd()->isEnabled());  // nothing browsed yet
+  const auto refused = [](const std::string& path, const char* why) {
+    return QStringList{QString::fromStdString("tarve::frmDunMsgBox Error: Unable to add " + path +
+                                              " to the 'Installed Games' list\n- " + why)};
+  };
+  const std::string here = folder.path().toStdString();  // a folder is no game file
+  EXPECT_EQ(BrowseAndAdd(here), refused(here, "the file could not be opened."));
+  const std::string notes = Write("notes.txt", "define room <hall>\nend define\n");
+  EXPECT_EQ(BrowseAndAdd(notes), refused(notes, "the file appears to be invalid."));
+  EXPECT_TRUE(ShownGames().empty());
+  EXPECT_FALSE(store.Read("Games", "NumInstalled"));
+
+  // A compiled game is listed by its path without being opened: this one does not even exist.
+  const std::string compiled = folder.filePath("castle.cgw").toStdString();
+  EXPECT_TRUE(BrowseAndAdd(compiled).empty());
+  const std::string manor = Write("manor.gwl", "define game <The Manor>\nend define\n");
+  EXPECT_TRUE(BrowseAndAdd(manor).empty());
+  EXPECT_TRUE(BrowseAndAdd(manor).empty());  // the same file twice is two entries
+  EXPECT_EQ(ShownGames(),
+            (QStringList{QString::fromStdString(compiled), "The Manor", "The Manor"}));
+  EXPECT_EQ(store.Read("Games", "NumInstalled"), "3");
+  EXPECT_EQ(store.Read("Games", "File3"), manor);
+}
+
+TEST_F(LauncherTest, AutoInstallAndWhatTheLauncherHandsToTheProgram) {
+  game.settings.auto_install = true;
+  Open();
+  QSignalSpy played(launcher.get(), &frmNewGame::playGame);
+  QSignalSpy loaded(launcher.get(), &frmNewGame::loadSavedGame);
+  QSignalSpy options(launcher.get(), &frmNewGame::optionsRequested);
+  QSignalSpy exited(launcher.get(), &frmNewGame::exitRequested);
+  const std::string invalid = Write("readme.txt", "no game in here\n");
+  EXPECT_EQ(BrowseAndAdd(invalid).size(), 1);
+  EXPECT_EQ(filters.back(), QStringLiteral("All Tarve games (*.gwl *.cgw);;Tarve script files "
+                                           "(*.gwl);;Compiled Tarve script (*.cgw);;Text files "
+                                           "(*.txt);;All files (*)"));
+  // The browsed file can still be played.
+  EXPECT_EQ(launcher->lblGameFile()->toolTip(), QString::fromStdString(invalid));
+  launcher->butPlay()->click();
+  const std::string manor = Write("manor.gwl", "define game <Manor>\nend define\n");
+  EXPECT_TRUE(BrowseAndAdd(manor).empty());
+  EXPECT_EQ(ShownGames(), QStringList{QStringLiteral("Manor")});
+
+  // Without AutoInstall, browsing only chooses; a cancelled dialog keeps the game chosen before.
+  game.settings.auto_install = false;
+  chosen.push_back(Write("other.gwl", "define game <Other>\nend define\n"));
+  launcher->butBrowse()->click();
+  launcher->butBrowse()->click();
+  EXPECT_EQ(ShownGames().size(), 1);
+  EXPECT_EQ(launcher->browsed_file(), folder.filePath("other.gwl").toStdString());
+  launcher->butPlay()->click();
+  ASSERT_EQ(played.count(), 2);
+  EXPECT_EQ(played.at(0).at(0).toString(), QString::fromStdString(invalid));
+  EXPECT_EQ(played.at(1).at(0).toString(), folder.filePath("other.gwl"));
+
+  chosen.push_back("/saves/hall.tsg");
+  launcher->butLoadSavedGame()->click();
+  EXPECT_EQ(filters.back(), QStringLiteral("Tarve saved game (*.tsg);;All files (*)"));
+  launcher->butLoadSavedGame()->click();  // cancelled: nothing to load
+  ASSERT_EQ(loaded.count(), 1);
+  EXPECT_EQ(loaded.at(0).at(0).toString(), QStringLiteral("/saves/hall.tsg"));
+  launcher->butOptions()->click();
+  EXPECT_EQ(options.count(), 1);
+  launcher->butExit()->click();
+  launcher->close();  // the window's own close box leaves too
+  EXPECT_EQ(exited.count(), 2);
+}
+
+TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) {
+  ASSERT_TRUE(WriteInstalledGames(store, {{"Attic", "/g/attic.gwl"},
+                                          {"Barn", "/g/barn.gwl"},
+                                          {"Cellar", "/g/cellar.gwl"},
+                                          {"Dungeon", "/g/dungeon.gwl"}}));
+  Open();
+  QString input_title, input_prompt;
+  WhenOpens<frmEditInstalledList>([&](frmEditInstalledList* editor) {
+    QListWidget* list = editor->lstGames();
+    list->setCurrentRow(1);
+    EXPECT_EQ(editor->lblGameFile()->text(), QStringLiteral("/g/barn.gwl"));
+    AnswerInput(QStringLiteral("Big Barn"), &input_title, &input_prompt);
+    editor->butEditName()->click();
+    chosen.push_back("/g/barn2.cgw");
+    editor->butChangeFile()->click();
+    EXPECT_EQ(filters.back(), DialogFilter(kGameFileFilter));
+    EXPECT_EQ(editor->lblGameFile()->text(), QStringLiteral("/g/barn2.cgw"));
+    editor->butMove()->click();  // Big Barn goes above Attic and stays chosen
+    EXPECT_EQ(list->currentRow(), 0);
+    list->setCurrentRow(2);
+    editor->butRemove()->click();  // Cellar
+    EXPECT_EQ(list->currentItem()->text(), QStringLiteral("Dungeon"));
+    QTest::keyClick(list, Qt::Key_Up, Qt::ControlModifier);  // Ctrl+Up moves
+    // Past either end an entry comes round to the other end.
+    for (Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Up, Qt::Key_Up}) {
+      QTest::keyClick(list, key, Qt::ControlModifier);
+    }
+    EXPECT_EQ(list->currentRow(), 1);
+    EXPECT_EQ(store.Read("Games", "Name3"), "Cellar") << "nothing is written while it is open";
+    editor->butClose()->click();
+  });
+  launcher->butEditList()->click();
+  EXPECT_EQ(input_title + "|" + input_prompt, "Edit Name|Enter new name for this game:");
+  EXPECT_EQ(store.Read("Games", "NumInstalled"), "3");
+  EXPECT_EQ(store.Read("Games", "File1"), "/g/barn2.cgw");
+  EXPECT_FALSE(store.Read("Games", "Name4") || store.Read("Games", "File4"));
+  // The launcher shows the list as it now stands.
+  EXPECT_EQ(ShownGames(), (QStringList{"Big Barn", "Dungeon", "Attic"}));
+
+  // From the keyboard: Delete removes, Enter renames, and Escape closes the editor and keeps
+  // its changes too.
+  frmEditInstalledList editor(store, Chooser());
+  WhenOpens<QWidget>([&](QWidget*) {
+    QTest::keyClick(editor.lstGames(), Qt::Key_Delete);
+    AnswerInput(QStringLiteral("Deep Dungeon"));
+    QTest::keyClick(editor.lstGames(), Qt::Key_Return);
+    PressKey(&editor, Qt::Key_Escape);
+  });
+  editor.exec();
+  EXPECT_EQ(store.Read("Games", "NumInstalled"), "2");
+  EXPECT_EQ(store.Read("Games", "Name1"), "Deep Dungeon");
 }
 
 }  // namespace

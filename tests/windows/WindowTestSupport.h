@@ -37,27 +37,6 @@ void WhenOpens(std::function<void(Dialog*)> act, int tries = 3000) {
   });
 }
 
-// Answers the next message box, whichever kind it is, with Yes/OK (`yes`) or No/Cancel, and
-// records its text and whether it was the program's own box.
-inline void AnswerMessage(bool yes, QString* text = nullptr, bool* own_box = nullptr) {
-  WhenOpens<QDialog>([=](QDialog* modal) {
-    auto* own = qobject_cast<frmDunMsgBox*>(modal);
-    if (own_box != nullptr) *own_box = own != nullptr;
-    if (own != nullptr) {
-      if (text != nullptr) *text = own->txtMessage()->toPlainText();
-      (yes ? own->butOK() : own->butCancel())->click();
-    } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
-      if (text != nullptr) *text = box->text();
-      QAbstractButton* button = box->button(yes ? QMessageBox::Yes : QMessageBox::No);
-      if (button == nullptr) button = box->button(yes ? QMessageBox::Ok : QMessageBox::Cancel);
-      button->click();
-    } else {
-      ADD_FAILURE() << "expected a message box";
-      modal->close();
-    }
-  });
-}
-
 // The window and each control of ours in it (Qt names the parts it builds "qt_...") have a
 // name for a screen reader.
 inline void ExpectAccessibleNames(QWidget* window) {
@@ -81,6 +60,31 @@ inline void AnswerInput(const QString& answer, QString* title = nullptr,
     box->setTextValue(answer);
     box->accept();
   });
+}
+
+// Runs `act`, answering each message box that opens, whichever kind it is, with Yes/OK (`yes`)
+// or No/Cancel, and closing any other modal window; tells for each its kind, title and text.
+inline QStringList Answering(const std::function<void()>& act, bool yes = true) {
+  QStringList opened;
+  QTimer watch;
+  watch.callOnTimeout([&opened, yes] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal == nullptr) return;
+    opened << QStringLiteral("%1 %2").arg(modal->metaObject()->className(), modal->windowTitle());
+    if (auto* own = qobject_cast<frmDunMsgBox*>(modal)) {
+      opened.back() += ": " + own->txtMessage()->toPlainText();
+      (yes ? own->butOK() : own->butCancel())->click();
+    } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+      opened.back() += ": " + box->text();
+      QAbstractButton* button = box->button(yes ? QMessageBox::Yes : QMessageBox::No);
+      (button ? button : box->button(yes ? QMessageBox::Ok : QMessageBox::Cancel))->click();
+    } else {
+      modal->close();
+    }
+  });
+  watch.start(10);
+  act();
+  return opened;
 }
 
 // A key press as the player makes it: to the control that has the focus in `window`, from where
