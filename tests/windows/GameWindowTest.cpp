@@ -81,21 +81,15 @@ class GameWindowTest : public testing::Test {
 
   // Bold/italic/underline, colour, size, face and l(eft) or c(entre) of the piece holding `word`.
   std::string Look(const QString& word) {
-    const QTextDocument* document = window().txtOutput()->document();
-    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
-      for (auto it = block.begin(); !it.atEnd(); ++it) {
-        if (!it.fragment().text().contains(word)) continue;
-        const QTextCharFormat format = it.fragment().charFormat();
-        return QStringLiteral("%1%2%3 %4 %5 %6 %7")
-            .arg(format.fontWeight() == QFont::Bold ? "b" : "", format.fontItalic() ? "i" : "",
-                 format.fontUnderline() ? "u" : "", format.foreground().color().name(),
-                 QString::number(format.fontPointSize()),
-                 format.fontFamilies().toStringList().join(','),
-                 block.blockFormat().alignment() == Qt::AlignHCenter ? "c" : "l")
-            .toStdString();
-      }
-    }
-    return "no text " + word.toStdString();
+    const QTextCursor found = window().txtOutput()->document()->find(word);
+    const QTextCharFormat format = found.charFormat();
+    return QStringLiteral("%1%2%3 %4 %5 %6 %7")
+        .arg(format.fontWeight() == QFont::Bold ? "b" : "", format.fontItalic() ? "i" : "",
+             format.fontUnderline() ? "u" : "", format.foreground().color().name(),
+             QString::number(format.fontPointSize()),
+             format.fontFamilies().toStringList().join(','),
+             found.blockFormat().alignment() == Qt::AlignHCenter ? "c" : "l")
+        .toStdString();
   }
 
   // 1 per enabled control: box, Run, list, Save, Load, Restart, Game Info, Different Game, Undo;
@@ -511,57 +505,42 @@ TEST_F(LauncherTest, HelpLineAndEightGamesAtOnceThatTheScrollBarMovesOneAStep) {
   EXPECT_FALSE(bar->isEnabled());
 }
 
-TEST_F(LauncherTest, AddRefusesFilesWithoutATitleWithTheErrorBoxAndAddsTheRest) {
+TEST_F(LauncherTest, AddListsGamesWithATitleAndTheLauncherHandsGamesAndSavesToTheProgram) {
   Open();
   EXPECT_FALSE(launcher->butAdd()->isEnabled());  // nothing browsed yet
-  const auto refused = [](const std::string& path, const char* why) {
-    return QStringList{QString::fromStdString("tarve::frmDunMsgBox Error: Unable to add " + path +
-                                              " to the 'Installed Games' list\n- " + why)};
-  };
-  const std::string here = folder.path().toStdString();  // a folder is no game file
-  EXPECT_EQ(BrowseAndAdd(here), refused(here, "the file could not be opened."));
-  const std::string notes = Write("notes.txt", "define room <hall>\nend define\n");
-  EXPECT_EQ(BrowseAndAdd(notes), refused(notes, "the file appears to be invalid."));
-  EXPECT_TRUE(ShownGames().empty());
-  EXPECT_FALSE(store.Read("Games", "NumInstalled"));
-
-  // A compiled game is listed by its path without being opened: this one does not even exist.
-  const std::string compiled = folder.filePath("castle.cgw").toStdString();
-  EXPECT_TRUE(BrowseAndAdd(compiled).empty());
-  const std::string manor = Write("manor.gwl", "define game <The Manor>\nend define\n");
-  EXPECT_TRUE(BrowseAndAdd(manor).empty());
-  EXPECT_TRUE(BrowseAndAdd(manor).empty());  // the same file twice is two entries
-  EXPECT_EQ(ShownGames(),
-            (QStringList{QString::fromStdString(compiled), "The Manor", "The Manor"}));
-  EXPECT_EQ(store.Read("Games", "NumInstalled"), "3");
-  EXPECT_EQ(store.Read("Games", "File3"), manor);
-}
-
-TEST_F(LauncherTest, AutoInstallAndWhatTheLauncherHandsToTheProgram) {
-  game.settings.auto_install = true;
-  Open();
   QSignalSpy played(launcher.get(), &frmNewGame::playGame);
   QSignalSpy loaded(launcher.get(), &frmNewGame::loadSavedGame);
   QSignalSpy options(launcher.get(), &frmNewGame::optionsRequested);
   QSignalSpy exited(launcher.get(), &frmNewGame::exitRequested);
+  // A file without a title is refused with the error box, and can still be played.
   const std::string invalid = Write("readme.txt", "no game in here\n");
-  EXPECT_EQ(BrowseAndAdd(invalid).size(), 1);
+  EXPECT_EQ(BrowseAndAdd(invalid),
+            QStringList{QString::fromStdString(
+                "tarve::frmDunMsgBox Error: Unable to add " + invalid +
+                " to the 'Installed Games' list\n- the file appears to be invalid.")});
   EXPECT_EQ(filters.back(), QStringLiteral("All Tarve games (*.gwl *.cgw);;Tarve script files "
                                            "(*.gwl);;Compiled Tarve script (*.cgw);;Text files "
                                            "(*.txt);;All files (*)"));
-  // The browsed file can still be played.
   EXPECT_EQ(launcher->lblGameFile()->toolTip(), QString::fromStdString(invalid));
   launcher->butPlay()->click();
-  const std::string manor = Write("manor.gwl", "define game <Manor>\nend define\n");
+  // With AutoInstall browsing adds. A compiled game is listed by its path without being opened
+  // (this one does not even exist); the same file twice is two entries.
+  game.settings.auto_install = true;
+  const std::string compiled = folder.filePath("castle.cgw").toStdString();
+  EXPECT_TRUE(BrowseAndAdd(compiled).empty());
+  const std::string manor = Write("manor.gwl", "define game <The Manor>\nend define\n");
   EXPECT_TRUE(BrowseAndAdd(manor).empty());
-  EXPECT_EQ(ShownGames(), QStringList{QStringLiteral("Manor")});
+  EXPECT_TRUE(BrowseAndAdd(manor).empty());
+  EXPECT_EQ(ShownGames(),
+            (QStringList{QString::fromStdString(compiled), "The Manor", "The Manor"}));
+  EXPECT_EQ(store.Read("Games", "File3"), manor);
 
   // Without AutoInstall, browsing only chooses; a cancelled dialog keeps the game chosen before.
   game.settings.auto_install = false;
   chosen.push_back(Write("other.gwl", "define game <Other>\nend define\n"));
   launcher->butBrowse()->click();
   launcher->butBrowse()->click();
-  EXPECT_EQ(ShownGames().size(), 1);
+  EXPECT_EQ(ShownGames().size(), 3);
   EXPECT_EQ(launcher->browsed_file(), folder.filePath("other.gwl").toStdString());
   launcher->butPlay()->click();
   ASSERT_EQ(played.count(), 2);
