@@ -72,22 +72,14 @@ void ExpectAccessibleNames(QWidget* window) {
   }
 }
 
-// Answers the next input box with `answer`, recording its title and prompt.
-void AnswerInput(const QString& answer, QString* title = nullptr, QString* prompt = nullptr) {
-  WhenOpens<QInputDialog>([=](QInputDialog* box) {
-    if (title != nullptr) *title = box->windowTitle();
-    if (prompt != nullptr) *prompt = box->labelText();
-    box->setTextValue(answer);
-    box->accept();
-  });
-}
-
 // Runs `act`, answering each message box that opens, whichever kind it is, with Yes/OK (`yes`)
-// or No/Cancel, and closing any other modal window; tells for each its kind, title and text.
-QStringList Answering(const std::function<void()>& act, bool yes = true) {
+// or No/Cancel, each input box with `typed`, and closing any other modal window; tells for each
+// its kind, title and text.
+QStringList Answering(const std::function<void()>& act, bool yes = true,
+                      const QString& typed = {}) {
   QStringList opened;
   QTimer watch;
-  watch.callOnTimeout([&opened, yes] {
+  watch.callOnTimeout([&opened, yes, typed] {
     QWidget* modal = QApplication::activeModalWidget();
     if (modal == nullptr) return;
     opened << QStringLiteral("%1 %2").arg(modal->metaObject()->className(), modal->windowTitle());
@@ -98,6 +90,10 @@ QStringList Answering(const std::function<void()>& act, bool yes = true) {
       opened.back() += ": " + box->text();
       QAbstractButton* button = box->button(yes ? QMessageBox::Yes : QMessageBox::No);
       (button ? button : box->button(yes ? QMessageBox::Ok : QMessageBox::Cancel))->click();
+    } else if (auto* input = qobject_cast<QInputDialog*>(modal)) {
+      opened.back() += ": " + input->labelText();
+      input->setTextValue(typed);
+      input->accept();
     } else {
       modal->close();
     }
@@ -115,19 +111,16 @@ void PressKey(QWidget* window, Qt::Key key) {
 }
 
 TEST(ShowMessage, PlatformBoxShowsTheTextAsWrittenAndGivesTheAnswerOfItsButton) {
-  for (const auto& [style, yes, answer] :
-       {std::tuple{kOkCancel + kExclamation, false, kAnswerCancel}, {kYesNo, true, kAnswerYes}}) {
-    int given = 0;
-    // Game text is shown as written, not as markup, with the line end as a line break.
-    EXPECT_EQ(Answering(
-                  [&] {
-                    given =
-                        ShowMessage(nullptr, "Open <the> door?\r\nA & B", "Tarve", style, false);
-                  },
-                  yes),
-              QStringList{"QMessageBox Tarve: Open <the> door?\nA & B"});
-    EXPECT_EQ(given, answer);
-  }
+  int given = 0;
+  const auto show = [&given](int style) {
+    given = ShowMessage(nullptr, "Open <the> door?\r\nA & B", "Tarve", style, false);
+  };
+  // Game text is shown as written, not as markup, with the line end as a line break.
+  const QStringList box{"QMessageBox Tarve: Open <the> door?\nA & B"};
+  EXPECT_EQ(Answering([&] { show(kOkCancel + kExclamation); }, false), box);
+  EXPECT_EQ(given, kAnswerCancel);
+  EXPECT_EQ(Answering([&] { show(kYesNo); }), box);
+  EXPECT_EQ(given, kAnswerYes);
 }
 
 TEST(DunMsgBox, ShowsTheTextAndItsKeysAndClosingTheFrameGiveTheAnswersOfTheButtons) {
@@ -369,22 +362,20 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
     editor->butCancel()->click();  // keeps nothing
   });
   options.butEditShellExts()->click();
-  QString input;
-  WhenOpens<frmAdvancedSecurity>([&input](frmAdvancedSecurity* editor) {
+  WhenOpens<frmAdvancedSecurity>([](frmAdvancedSecurity* editor) {
     editor->lstFileTypes()->setCurrentRow(3);  // DLL
     QTest::keyClick(editor->lstFileTypes(), Qt::Key_Delete);
     // Typed types are cut to what the check compares; a listed one is chosen, not added again.
-    AnswerInput(QStringLiteral(" .txt "), nullptr, &input);
-    editor->butAdd()->click();
-    for (const QString& typed : {QStringLiteral("exe"), QString()}) {
-      AnswerInput(typed);
-      editor->butAdd()->click();
+    QStringList asked;
+    for (const char* typed : {" .txt ", "exe", ""}) {
+      asked += Answering([editor] { editor->butAdd()->click(); }, true, typed);
     }
+    EXPECT_EQ(asked.value(2),
+              QStringLiteral("QInputDialog Add file type: Please enter a file extension:"));
     EXPECT_EQ(editor->lstFileTypes()->currentRow(), 0);
     editor->butOK()->click();
   });
   options.butEditShellExts()->click();
-  EXPECT_EQ(input, QStringLiteral("Please enter a file extension:"));
   for (QCheckBox* box : {options.chkZeroSecurityInstalledGames(), options.chkAutoInstall(),
                          options.chkOverrideGameDefaultFont(), options.chkOverrideAllFonts(),
                          options.chkOverrideEffects(), options.chkCustomSecurityIsDisallow(),
@@ -1043,13 +1034,12 @@ TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) 
                                           {"Cellar", "/g/cellar.gwl"},
                                           {"Dungeon", "/g/dungeon.gwl"}}));
   Open();
-  QString input_title, input_prompt;
   WhenOpens<frmEditInstalledList>([&](frmEditInstalledList* editor) {
     QListWidget* list = editor->lstGames();
     list->setCurrentRow(1);
     EXPECT_EQ(editor->lblGameFile()->text(), QStringLiteral("/g/barn.gwl"));
-    AnswerInput(QStringLiteral("Big Barn"), &input_title, &input_prompt);
-    editor->butEditName()->click();
+    EXPECT_EQ(Answering([editor] { editor->butEditName()->click(); }, true, "Big Barn"),
+              QStringList{"QInputDialog Edit Name: Enter new name for this game:"});
     chosen.push_back("/g/barn2.cgw");
     editor->butChangeFile()->click();
     EXPECT_EQ(filters.back(), DialogFilter(kGameFileFilter));
@@ -1069,7 +1059,6 @@ TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) 
     editor->butClose()->click();
   });
   launcher->butEditList()->click();
-  EXPECT_EQ(input_title + "|" + input_prompt, "Edit Name|Enter new name for this game:");
   EXPECT_EQ(store.Read("Games", "NumInstalled"), "3");
   EXPECT_EQ(store.Read("Games", "File1"), "/g/barn2.cgw");
   EXPECT_FALSE(store.Read("Games", "Name4") || store.Read("Games", "File4"));
@@ -1081,8 +1070,7 @@ TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) 
   frmEditInstalledList editor(store, Chooser());
   WhenOpens<QWidget>([&](QWidget*) {
     QTest::keyClick(editor.lstGames(), Qt::Key_Delete);
-    AnswerInput(QStringLiteral("Deep Dungeon"));
-    QTest::keyClick(editor.lstGames(), Qt::Key_Return);
+    Answering([&] { QTest::keyClick(editor.lstGames(), Qt::Key_Return); }, true, "Deep Dungeon");
     PressKey(&editor, Qt::Key_Escape);
   });
   editor.exec();
