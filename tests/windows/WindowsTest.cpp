@@ -73,30 +73,45 @@ void ExpectAccessibleNames(QWidget* window) {
 }
 
 // Runs `act`, answering each message box that opens, whichever kind it is, with Yes/OK (`yes`)
-// or No/Cancel, each input box with `typed`, and closing any other modal window; tells for each
-// its kind, title and text.
+// or No/Cancel, each input box and file dialog with `typed`, and closing any other modal window;
+// tells for each its kind, title and text (a file dialog's filters).
 QStringList Answering(const std::function<void()>& act, bool yes = true,
                       const QString& typed = {}) {
   QStringList opened;
+  QPointer<QWidget> last;
   QTimer watch;
-  watch.callOnTimeout([&opened, yes, typed] {
+  watch.callOnTimeout([&] {
     QWidget* modal = QApplication::activeModalWidget();
     if (modal == nullptr) return;
-    opened << QStringLiteral("%1 %2").arg(modal->metaObject()->className(), modal->windowTitle());
+    QString text;
     if (auto* own = qobject_cast<frmDunMsgBox*>(modal)) {
-      opened.back() += ": " + own->txtMessage()->toPlainText();
+      text = own->txtMessage()->toPlainText();
       (yes ? own->butOK() : own->butCancel())->click();
     } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
-      opened.back() += ": " + box->text();
+      text = box->text();
       QAbstractButton* button = box->button(yes ? QMessageBox::Yes : QMessageBox::No);
       (button ? button : box->button(yes ? QMessageBox::Ok : QMessageBox::Cancel))->click();
     } else if (auto* input = qobject_cast<QInputDialog*>(modal)) {
-      opened.back() += ": " + input->labelText();
+      text = input->labelText();
       input->setTextValue(typed);
       input->accept();
+    } else if (auto* files = qobject_cast<QFileDialog*>(modal)) {
+      text = files->nameFilters().join(";;");
+      // Typed into the name box: selectFile() leaves a focused box alone. A dialog that is not
+      // ready yet is answered again at the next look.
+      if (auto* name = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))) {
+        name->setText(typed);
+      } else {
+        files->selectFile(typed);
+      }
+      QMetaObject::invokeMethod(files, "accept");
     } else {
       modal->close();
     }
+    if (modal == last) return;
+    opened << QStringLiteral("%1 %2: %3")
+                  .arg(modal->metaObject()->className(), modal->windowTitle(), text);
+    last = modal;
   });
   watch.start(10);
   act();
@@ -171,20 +186,19 @@ int Choose(int count, const std::function<void(frmSelection*)>& act) {
 }
 
 TEST(Selection, OffersAtMostEightAnswersAndGivesTheConfirmedOneOrNone) {
-  EXPECT_EQ(Choose(10,
-                   [](frmSelection* dialog) {
-                     EXPECT_EQ(dialog->lblPrompt()->text(), QStringLiteral("What now?"));
-                     EXPECT_TRUE(dialog->optAnswer(0)->isChecked());
-                     EXPECT_TRUE(dialog->optAnswer(7)->isVisible());
-                     EXPECT_EQ(dialog->optAnswer(7)->text(), QStringLiteral("Answer 8"));
-                     ExpectAccessibleNames(dialog);
-                     // The arrows move the choice from button to button; Enter confirms it.
-                     QApplication::setActiveWindow(dialog);
-                     PressKey(dialog, Qt::Key_Down);
-                     PressKey(dialog, Qt::Key_Down);
-                     PressKey(dialog, Qt::Key_Return);
-                   }),
-            2);
+  EXPECT_EQ(
+      Choose(10,
+             [](frmSelection* dialog) {
+               EXPECT_EQ(dialog->lblPrompt()->text() + "|" + dialog->optAnswer(7)->text(),
+                         "What now?|Answer 8");
+               EXPECT_TRUE(dialog->optAnswer(0)->isChecked() && dialog->optAnswer(7)->isVisible());
+               ExpectAccessibleNames(dialog);
+               // The arrows move the choice from button to button; Enter confirms it.
+               QApplication::setActiveWindow(dialog);
+               PressKey(dialog, Qt::Key_Down);
+               PressKey(dialog, Qt::Key_Return);
+             }),
+      1);
   // Only the answers offered show; Escape gives none.
   EXPECT_EQ(Choose(3,
                    [](frmSelection* dialog) {
@@ -229,11 +243,11 @@ TEST(RichOutputPane, KeepsTheNewestTextOnceOverItsBoundsAndClearingKeepsTheStyle
   pane.SetAlignment(Qt::AlignRight);
   pane.ClearOutput();
   pane.InsertText("kept");
-  EXPECT_EQ(pane.Text(), QStringLiteral("kept"));
   const QTextBlock block = pane.document()->firstBlock();
-  EXPECT_EQ(block.blockFormat().alignment(), Qt::AlignRight);
-  EXPECT_EQ(block.begin().fragment().charFormat().fontWeight(), QFont::Bold);
-  EXPECT_DOUBLE_EQ(block.begin().fragment().charFormat().fontPointSize(), 12.0);
+  const QTextCharFormat kept = block.begin().fragment().charFormat();
+  EXPECT_EQ(pane.Text(), QStringLiteral("kept"));
+  EXPECT_TRUE(block.blockFormat().alignment() == Qt::AlignRight &&
+              kept.fontWeight() == QFont::Bold && kept.fontPointSize() == 12.0);
 }
 
 TEST(GWLLog, TheNewestWholeMessagesStayWithinTheBound) {
@@ -274,8 +288,9 @@ TEST(StringVariables, EachStoreHasItsHeadingsAndNewContentsReplaceTheRows) {
   EXPECT_EQ(viewer.RowCount(), 1);
   // The grid follows the window.
   viewer.show();
-  EXPECT_EQ(viewer.grdVariables()->columnWidth(0), 110);  // 1650 twips
-  EXPECT_EQ(viewer.grdVariables()->columnWidth(1), 267);  // 4000 twips
+  // 1650 and 4000 twips.
+  EXPECT_EQ(QPoint(viewer.grdVariables()->columnWidth(0), viewer.grdVariables()->columnWidth(1)),
+            QPoint(110, 267));
   viewer.resize(600, 400);
   QApplication::processEvents();
   EXPECT_EQ(viewer.grdVariables()->geometry(), viewer.rect());
@@ -488,21 +503,6 @@ TEST_F(OptionsWindowTest, PagesTheSampleBoxAndCancelWhichChangesNothing) {
 }
 
 const std::string kWindowGame = std::string(TARVE_TEST_GAMES) + "/desktop/window.gwl";
-
-// Picks `path` in the next file dialog; records its filters.
-void AnswerFileDialog(const QString& path, QStringList* filters = nullptr, int tries = 50) {
-  WhenOpens<QFileDialog>([=](QFileDialog* dialog) {
-    if (filters != nullptr) *filters = dialog->nameFilters();
-    // Typed into the name box: selectFile() leaves a focused box alone.
-    if (auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))) {
-      name->setText(path);
-    } else {
-      dialog->selectFile(path);
-    }
-    QMetaObject::invokeMethod(dialog, "accept");
-    if (dialog->isVisible() && tries > 0) AnswerFileDialog(path, nullptr, tries - 1);
-  });
-}
 
 class GameWindowTest : public testing::Test {
  protected:
@@ -802,17 +802,14 @@ TEST_F(GameWindowTest, SavingLoadingAndRestartingAskWhereTheyShould) {
   QTemporaryDir folder;
   const QString path = folder.filePath(QStringLiteral("progress.tsg"));
   Open();
-  QStringList filters;
-  AnswerFileDialog(path, &filters);
-  window().mnuSaveAs()->trigger();
-  EXPECT_EQ(filters.join(";;"), QStringLiteral("Tarve saved game (*.tsg);;All files (*)"));
+  EXPECT_EQ(Answering([this] { window().mnuSaveAs()->trigger(); }, true, path),
+            QStringList{"QFileDialog Save the game as: Tarve saved game (*.tsg);;All files (*)"});
   ASSERT_TRUE(QFile::exists(path));
 
   // Save after loading a saved game overwrites it without asking.
   window().butDir(0)->click();     // to the garden
   player_->OpenGame(kWindowGame);  // a fresh game: nothing saved yet
-  AnswerFileDialog(path);
-  window().mnuLoad()->trigger();
+  Answering([this] { window().mnuLoad()->trigger(); }, true, path);
   EXPECT_EQ(Location(), QStringLiteral("Hall"));
   window().butDir(0)->click();
   EXPECT_TRUE(Answering([this] { window().mnuSave()->trigger(); }).empty());
