@@ -41,9 +41,8 @@ void PrintTo(const QString& text, std::ostream* out) { *out << text.toStdString(
 namespace tarve {
 namespace {
 
-// Runs `act` on the modal window once one of kind `Dialog` has opened. After about thirty
-// seconds (a loaded machine opens a file dialog slowly) the test fails and closes whatever modal
-// window is open, so that it never hangs.
+// Runs `act` on the modal window once one of kind `Dialog` has opened. After about thirty seconds
+// the test fails and closes whatever modal window is open, so that it never hangs.
 template <typename Dialog>
 void WhenOpens(std::function<void(Dialog*)> act, int tries = 3000) {
   QTimer::singleShot(10, [act = std::move(act), tries]() mutable {
@@ -61,14 +60,13 @@ void WhenOpens(std::function<void(Dialog*)> act, int tries = 3000) {
 // The window and each control of ours in it (Qt names the parts it builds "qt_...") have a
 // name for a screen reader.
 void ExpectAccessibleNames(QWidget* window) {
-  const std::string name = window->objectName().toStdString();
-  EXPECT_FALSE(QAccessible::queryAccessibleInterface(window)->text(QAccessible::Name).isEmpty())
-      << name;
-  for (QWidget* control : window->findChildren<QWidget*>()) {
+  const QList<QWidget*> controls = window->findChildren<QWidget*>() << window;
+  for (QWidget* control : controls) {
     const QString id = control->objectName();
-    if (id.isEmpty() || id.startsWith("qt_") || control->isHidden()) continue;
+    if (control != window && (id.isEmpty() || id.startsWith("qt_") || control->isHidden()))
+      continue;
     EXPECT_FALSE(QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name).isEmpty())
-        << name << " " << id.toStdString();
+        << window->objectName().toStdString() << " " << id.toStdString();
   }
 }
 
@@ -307,8 +305,8 @@ TEST(Pic, WindowTakesThePictureSizeAndShrinksAHugeOneToTheScreen) {
   ASSERT_TRUE(pic.LoadPicture(small.toStdString()));
   // A file that is no picture leaves the window as it was.
   EXPECT_FALSE(pic.LoadPicture(folder.filePath("broken.png").toStdString()));
-  EXPECT_EQ(pic.windowTitle(), QStringLiteral("small.png"));
-  EXPECT_EQ(pic.size(), QSize(120, 80));
+  EXPECT_EQ(pic.windowTitle() + QStringLiteral(" %1x%2").arg(pic.width()).arg(pic.height()),
+            QStringLiteral("small.png 120x80"));
   ASSERT_TRUE(pic.LoadPicture(huge.toStdString()));
   const QSize room = pic.screen()->availableGeometry().size();
   EXPECT_TRUE(pic.width() <= room.width() && pic.height() <= room.height());
@@ -419,7 +417,6 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
   EXPECT_TRUE(options.lblFontSample()->text().startsWith(picked.family() + QStringLiteral(", ")));
 
   options.butOK()->click();
-  EXPECT_EQ(options.result(), QDialog::Accepted);
   // Every key OK writes, as section/key=value.
   std::istringstream written(
       "Options/LogErrors=No Options/LogFile=/old/errors.log Options/OutputFile=Yes "
@@ -446,21 +443,7 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
   EXPECT_EQ(settings.custom_security.back(), "TXT");
 }
 
-TEST_F(OptionsWindowTest, EmptyFileNamesBecomeTheDefaultFilesInTheUsersDataFolder) {
-  const QByteArray saved = qgetenv("XDG_DATA_HOME");
-  qputenv("XDG_DATA_HOME", data.path().toUtf8());
-  frmOptions options(settings, store);  // the data folder as the environment names it
-  options.chkLogScriptErrors()->setChecked(true);
-  options.chkOutputToFile()->setChecked(true);
-  options.butOK()->click();
-  const std::string folder = data.path().toStdString() + "/Tarve";
-  EXPECT_EQ(options.txtLogFileName()->text(), QString::fromStdString(folder + "/TARVELOG.LOG"));
-  EXPECT_EQ(store.Read("Options", "OutFile"), folder + "/GAMELOG.LOG");
-  EXPECT_EQ(settings.log_file, folder + "/TARVELOG.LOG");
-  saved.isNull() ? qunsetenv("XDG_DATA_HOME") : qputenv("XDG_DATA_HOME", saved);
-}
-
-TEST_F(OptionsWindowTest, PagesTheSampleBoxAndCancelWhichChangesNothing) {
+TEST_F(OptionsWindowTest, PagesTheSampleBoxCancelAndTheDefaultFilesForEmptyFileNames) {
   frmOptions options(settings, store, nullptr, data.path().toStdString());
   std::string pages = std::to_string(options.CurrentPage());
   for (QPushButton* page : {options.butFonts(), options.butOther(), options.butLogging()}) {
@@ -500,6 +483,19 @@ TEST_F(OptionsWindowTest, PagesTheSampleBoxAndCancelWhichChangesNothing) {
   EXPECT_TRUE(settings.special_msg_box && settings.security_type == 3);
   EXPECT_FALSE(settings.default_font_bold);
   EXPECT_EQ(settings.custom_security, Settings().custom_security);
+
+  // Empty file names become the default files in the user's data folder.
+  const QByteArray saved = qgetenv("XDG_DATA_HOME");
+  qputenv("XDG_DATA_HOME", data.path().toUtf8());
+  frmOptions defaults(settings, store);  // the data folder as the environment names it
+  defaults.chkLogScriptErrors()->setChecked(true);
+  defaults.chkOutputToFile()->setChecked(true);
+  defaults.butOK()->click();
+  const std::string folder = data.path().toStdString() + "/Tarve";
+  EXPECT_EQ(defaults.txtLogFileName()->text(), QString::fromStdString(folder + "/TARVELOG.LOG"));
+  EXPECT_EQ(store.Read("Options", "OutFile"), folder + "/GAMELOG.LOG");
+  EXPECT_EQ(settings.log_file, folder + "/TARVELOG.LOG");
+  saved.isNull() ? qunsetenv("XDG_DATA_HOME") : qputenv("XDG_DATA_HOME", saved);
 }
 
 const std::string kWindowGame = std::string(TARVE_TEST_GAMES) + "/desktop/window.gwl";
@@ -605,8 +601,6 @@ TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
     return box->text();
   };
   EXPECT_EQ(window().windowTitle(), QStringLiteral("Tarve 2.17 - \"Window Test\""));
-  QTest::keyClicks(box, QStringLiteral("xyz"));
-  EXPECT_EQ(key(Qt::Key_F12), QString()) << "no command yet";
   Type(QStringLiteral("look"));
   EXPECT_EQ(box->text(), QString()) << "a command leaves the box empty";
   EXPECT_EQ(Enabled(), "111111110 1000111000") << "a look changes nothing";
@@ -633,8 +627,7 @@ TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
   EXPECT_EQ(Enabled(), "111111111 0110010000");
   QTest::keyClicks(box, QStringLiteral("half typed"));
   key(Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_EQ(Location(), QStringLiteral("Hall"));
-  EXPECT_EQ(Enabled(), "111111110 1000111000");
+  EXPECT_EQ(Location() + " " + QString::fromStdString(Enabled()), "Hall 111111110 1000111000");
   EXPECT_EQ(key(Qt::Key_Z, Qt::ControlModifier), QString());
 
   // A key wait disables the controls; any key, Enter (which runs nothing) or a click in the
@@ -872,12 +865,7 @@ class LauncherTest : public ::testing::Test {
     std::ofstream(path, std::ios::binary) << text;
     return path;
   }
-  void Open(int installed = 0) {
-    std::vector<InstalledGame> games;
-    for (int i = 1; i <= installed; ++i) {
-      games.push_back({"Game " + std::to_string(i), "/games/game" + std::to_string(i) + ".gwl"});
-    }
-    EXPECT_TRUE(installed == 0 || WriteInstalledGames(store, games));
+  void Open() {
     launcher = std::make_unique<frmNewGame>(game, store, Chooser());
     launcher->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(launcher.get()));
@@ -887,11 +875,8 @@ class LauncherTest : public ::testing::Test {
   FileChooser Chooser() {
     return [this](QWidget*, const QString&, const QString& filter) {
       filters.push_back(filter);
-      std::optional<std::string> answer;
-      if (!chosen.empty()) {
-        answer = chosen.front();
-        chosen.pop_front();
-      }
+      const std::optional<std::string> answer = chosen.empty() ? std::nullopt : chosen.front();
+      if (!chosen.empty()) chosen.pop_front();
       return answer;
     };
   }
@@ -922,7 +907,12 @@ class LauncherTest : public ::testing::Test {
 };
 
 TEST_F(LauncherTest, HelpLineAndEightGamesAtOnceThatTheScrollBarMovesOneAStep) {
-  Open(20);
+  std::vector<InstalledGame> games;
+  for (int i = 1; i <= 20; ++i) {
+    games.push_back({"Game " + std::to_string(i), "/games/game" + std::to_string(i) + ".gwl"});
+  }
+  ASSERT_TRUE(WriteInstalledGames(store, games));
+  Open();
   EXPECT_TRUE(launcher->windowTitle().startsWith(QStringLiteral("Welcome to Tarve ")));
   EXPECT_EQ(launcher->lblHelp()->text(), kDefaultHelp);
   // Straight from a control to a plain part of the window, and back.
@@ -961,13 +951,6 @@ TEST_F(LauncherTest, HelpLineAndEightGamesAtOnceThatTheScrollBarMovesOneAStep) {
             QStringLiteral("/games/game9.gwl /games/game10.gwl"));
   QTest::keyClick(launcher->butInstalledGame(7), Qt::Key_PageDown);
   EXPECT_EQ(ShownGames().back(), QStringLiteral("Game 18"));
-
-  // A short list hides the buttons it does not need and has nothing to scroll.
-  ASSERT_TRUE(WriteInstalledGames(store, {{"Fish & Chips", "/games/fish.gwl"}}));
-  launcher->DisplayInstalledGames();
-  EXPECT_EQ(ShownGames(), QStringList{QStringLiteral("Fish & Chips")});
-  EXPECT_EQ(launcher->butInstalledGame(0)->text(), QStringLiteral("Fish && Chips"));
-  EXPECT_FALSE(bar->isEnabled());
 }
 
 TEST_F(LauncherTest, AddListsGamesWithATitleAndTheLauncherHandsGamesAndSavesToTheProgram) {
@@ -993,11 +976,15 @@ TEST_F(LauncherTest, AddListsGamesWithATitleAndTheLauncherHandsGamesAndSavesToTh
   game.settings.auto_install = true;
   const std::string compiled = folder.filePath("castle.cgw").toStdString();
   EXPECT_TRUE(BrowseAndAdd(compiled).empty());
-  const std::string manor = Write("manor.gwl", "define game <The Manor>\nend define\n");
+  const std::string manor = Write("manor.gwl", "define game <Fish & Chips>\nend define\n");
   EXPECT_TRUE(BrowseAndAdd(manor).empty());
   EXPECT_TRUE(BrowseAndAdd(manor).empty());
+  // A short list hides the buttons it does not need and has nothing to scroll; a name is shown
+  // as written.
   EXPECT_EQ(ShownGames(),
-            (QStringList{QString::fromStdString(compiled), "The Manor", "The Manor"}));
+            (QStringList{QString::fromStdString(compiled), "Fish & Chips", "Fish & Chips"}));
+  EXPECT_EQ(launcher->butInstalledGame(1)->text(), QStringLiteral("Fish && Chips"));
+  EXPECT_FALSE(launcher->scrlGamePos()->isEnabled());
   EXPECT_EQ(store.Read("Games", "File3"), manor);
 
   // Without AutoInstall, browsing only chooses; a cancelled dialog keeps the game chosen before.
