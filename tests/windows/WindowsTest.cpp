@@ -295,25 +295,6 @@ TEST(StringVariables, EachStoreHasItsHeadingsAndNewContentsReplaceTheRows) {
   EXPECT_GT(viewer.grdVariables()->columnWidth(1), 267);
 }
 
-TEST(Pic, WindowTakesThePictureSizeAndShrinksAHugeOneToTheScreen) {
-  QTemporaryDir folder;
-  const QString small = folder.filePath("small.png"), huge = folder.filePath("huge.png");
-  ASSERT_TRUE(QImage(120, 80, QImage::Format_RGB32).save(small));
-  ASSERT_TRUE(QImage(8000, 2000, QImage::Format_RGB32).save(huge));
-  std::ofstream(folder.filePath("broken.png").toStdString()) << "not a picture";
-  frmPic pic;
-  ASSERT_TRUE(pic.LoadPicture(small.toStdString()));
-  // A file that is no picture leaves the window as it was.
-  EXPECT_FALSE(pic.LoadPicture(folder.filePath("broken.png").toStdString()));
-  EXPECT_EQ(pic.windowTitle() + QStringLiteral(" %1x%2").arg(pic.width()).arg(pic.height()),
-            QStringLiteral("small.png 120x80"));
-  ASSERT_TRUE(pic.LoadPicture(huge.toStdString()));
-  const QSize room = pic.screen()->availableGeometry().size();
-  EXPECT_TRUE(pic.width() <= room.width() && pic.height() <= room.height());
-  EXPECT_NEAR(static_cast<double>(pic.width()) / pic.height(), 4.0, 0.05);
-  ExpectAccessibleNames(&pic);
-}
-
 TEST(SplashAndProgress, ShowTheirTextsTheBarStaysInRangeAndEscapeClosesTheSplash) {
   frmSplash splash("Version 2.17");
   splash.ShowNow();
@@ -365,8 +346,13 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
   EXPECT_FALSE(options.txtOutputFileName()->isEnabled() || options.butEditShellExts()->isEnabled());
 
   // Change every control.
-  options.chkLogScriptErrors()->setChecked(false);
-  options.chkOutputToFile()->setChecked(true);
+  for (QCheckBox* box : {options.chkLogScriptErrors(), options.chkOutputToFile(),
+                         options.chkZeroSecurityInstalledGames(), options.chkAutoInstall(),
+                         options.chkOverrideGameDefaultFont(), options.chkOverrideAllFonts(),
+                         options.chkOverrideEffects(), options.chkCustomSecurityIsDisallow(),
+                         options.chkSpecialMsgBox(), options.chkDetailedLook()}) {
+    box->toggle();
+  }
   QTest::keyClicks(options.txtOutputFileName(), "/logs/game.txt");
   options.optAdvExts()->setChecked(true);
   ASSERT_TRUE(options.butEditShellExts()->isEnabled());
@@ -389,12 +375,6 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
     editor->butOK()->click();
   });
   options.butEditShellExts()->click();
-  for (QCheckBox* box : {options.chkZeroSecurityInstalledGames(), options.chkAutoInstall(),
-                         options.chkOverrideGameDefaultFont(), options.chkOverrideAllFonts(),
-                         options.chkOverrideEffects(), options.chkCustomSecurityIsDisallow(),
-                         options.chkSpecialMsgBox(), options.chkDetailedLook()}) {
-    box->toggle();
-  }
   options.txtLabelForeground()->clear();
   QTest::keyClicks(options.txtLabelForeground(), "00ff00");
   options.txtLabelBackground()->clear();
@@ -767,15 +747,25 @@ TEST_F(GameWindowTest, ButtonsListsViewersAndMenusFollowTheGame) {
   window().mnuGameInfo()->trigger();
   EXPECT_TRUE(Output().contains(QStringLiteral("> about")));
 
-  // Pictures open the picture window, or a note in the log.
+  // Pictures open the picture window at their own size, shrunk to the screen when huge; a file
+  // that is no picture leaves the window as it was, with a note in the log.
   QTemporaryDir folder;
-  const QString path = folder.filePath(QStringLiteral("map.png"));
-  ASSERT_TRUE(QImage(64, 48, QImage::Format_RGB32).save(path));
-  services_.ShowPicture(path.toStdString());
-  ASSERT_NE(services_.PictureWindow(), nullptr);
-  EXPECT_EQ(services_.PictureWindow()->PictureSize(), QSize(64, 48));
-  services_.ShowPicture(folder.filePath(QStringLiteral("missing.png")).toStdString());
+  const QString small = folder.filePath("small.png"), huge = folder.filePath("huge.png");
+  ASSERT_TRUE(QImage(120, 80, QImage::Format_RGB32).save(small));
+  ASSERT_TRUE(QImage(8000, 2000, QImage::Format_RGB32).save(huge));
+  services_.ShowPicture(small.toStdString());
+  frmPic* pic = services_.PictureWindow();
+  ASSERT_NE(pic, nullptr);
+  services_.ShowPicture(folder.filePath("missing.png").toStdString());
   EXPECT_NE(player_->log_text().find("Warning: Unable to show the picture"), std::string::npos);
+  EXPECT_EQ(pic->windowTitle() + QStringLiteral(" %1x%2").arg(pic->width()).arg(pic->height()),
+            QStringLiteral("small.png 120x80"));
+  services_.ShowPicture(huge.toStdString());
+  const QSize room = pic->screen()->availableGeometry().size();
+  EXPECT_TRUE(pic->width() <= room.width() && pic->height() <= room.height() &&
+              pic->PictureSize() == QSize(8000, 2000));
+  EXPECT_NEAR(static_cast<double>(pic->width()) / pic->height(), 4.0, 0.05);
+  ExpectAccessibleNames(pic);
 
   // The options window opens from the menu and its label colours apply.
   WhenOpens<frmOptions>([](frmOptions* options) {
@@ -1026,7 +1016,6 @@ TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) 
               QStringList{"QInputDialog Edit Name: Enter new name for this game:"});
     chosen.push_back("/g/barn2.cgw");
     editor->butChangeFile()->click();
-    EXPECT_EQ(filters.back(), DialogFilter(kGameFileFilter));
     EXPECT_EQ(editor->lblGameFile()->text(), QStringLiteral("/g/barn2.cgw"));
     editor->butMove()->click();  // Big Barn goes above Attic and stays chosen
     EXPECT_EQ(list->currentRow(), 0);
