@@ -123,7 +123,7 @@ void PressKey(QWidget* window, Qt::Key key) {
   QTest::keyClick(focus != nullptr ? focus : window, key);
 }
 
-TEST(ShowMessage, PlatformBoxShowsTheTextAsWrittenAndGivesTheAnswerOfItsButton) {
+TEST(ShowMessage, EachBoxShowsTheTextAsWrittenAndItsKeysAndFrameGiveTheAnswersOfItsButtons) {
   int given = 0;
   const auto show = [&given](int style) {
     given = ShowMessage(nullptr, "Open <the> door?\r\nA & B", "Tarve", style, false);
@@ -134,9 +134,8 @@ TEST(ShowMessage, PlatformBoxShowsTheTextAsWrittenAndGivesTheAnswerOfItsButton) 
   EXPECT_EQ(given, kAnswerCancel);
   EXPECT_EQ(Answering([&] { show(kYesNo); }), box);
   EXPECT_EQ(given, kAnswerYes);
-}
 
-TEST(DunMsgBox, ShowsTheTextAndItsKeysAndClosingTheFrameGiveTheAnswersOfTheButtons) {
+  // The program's own box.
   const auto ok_only = [](frmDunMsgBox* box) {
     EXPECT_EQ(
         box->windowTitle() + "|" + box->txtMessage()->toPlainText() + "|" + box->butOK()->text(),
@@ -321,14 +320,11 @@ class OptionsWindowTest : public ::testing::Test {
 };
 
 TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand) {
-  // What the player chose before, read back as start-up reads it.
-  Settings before;
-  before.log_errors = true;
-  before.log_file = "/old/errors.log";
-  before.security_type = 1;
-  before.label_foreground_colour = "112233";
-  ASSERT_TRUE(SaveSettings(before, store));
-  settings = ReadSettings(store);
+  // What the player chose before.
+  settings.log_errors = true;
+  settings.log_file = "/old/errors.log";
+  settings.security_type = 1;
+  settings.label_foreground_colour = "112233";
 
   frmOptions options(settings, store, nullptr, data.path().toStdString());
   std::string ticks;
@@ -802,14 +798,12 @@ TEST_F(GameWindowTest, SavingLoadingAndRestartingAskWhereTheyShould) {
 
   // Restart asks in the platform's box, or with the setting on in the program's own; Yes
   // restarts.
+  const QString restart = "Tarve: Do you really want to restart this game from the beginning?";
   for (const bool own : {false, true}) {
     player_->game().settings.special_msg_box = own;
-    EXPECT_EQ(
-        Answering([this] { window().mnuRestart()->trigger(); }, own),
-        QStringList{
-            QStringLiteral("%1 Tarve: Do you really want to restart this game from the beginning?")
-                .arg(own ? "tarve::frmDunMsgBox" : "QMessageBox")});
-    EXPECT_EQ(Location(), own ? QStringLiteral("Hall") : QStringLiteral("Garden"));
+    EXPECT_EQ(Answering([this] { window().mnuRestart()->trigger(); }, own),
+              QStringList{(own ? "tarve::frmDunMsgBox " : "QMessageBox ") + restart});
+    EXPECT_EQ(Location(), own ? "Hall" : "Garden");
   }
   EXPECT_FALSE(Output().contains(QStringLiteral("> north")));
 }
