@@ -1,6 +1,5 @@
-// The desktop program's windows driven without a display (QT_QPA_PLATFORM=offscreen): the game
-// window with the real application and a small test game, the launcher, the dialogs and the
-// smaller windows. Modal windows are answered from inside their own event loops.
+// The desktop program's windows without a display: the game window with the real application and
+// a small test game, the launcher, the dialogs and the smaller windows.
 #include <gtest/gtest.h>
 
 #include <QtTest>
@@ -116,8 +115,7 @@ QStringList Answering(const std::function<void()>& act, bool yes = true,
   return opened;
 }
 
-// A key press as the player makes it: to the control that has the focus in `window`, from where
-// an unhandled key travels up to the window.
+// A key press as the player makes it: to the focused control, from where it may travel up.
 void PressKey(QWidget* window, Qt::Key key) {
   QWidget* focus = window->focusWidget();
   QTest::keyClick(focus != nullptr ? focus : window, key);
@@ -341,7 +339,6 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
   // A name or a list only goes with its switch.
   EXPECT_FALSE(options.txtOutputFileName()->isEnabled() || options.butEditShellExts()->isEnabled());
 
-  // Change every control.
   for (QCheckBox* box : {options.chkLogScriptErrors(), options.chkOutputToFile(),
                          options.chkZeroSecurityInstalledGames(), options.chkAutoInstall(),
                          options.chkOverrideGameDefaultFont(), options.chkOverrideAllFonts(),
@@ -606,8 +603,7 @@ TEST_F(GameWindowTest, CommandBoxKeysWaitsAndUndo) {
   EXPECT_EQ(Location() + " " + QString::fromStdString(Enabled()), "Hall 111111110 1000111000");
   EXPECT_EQ(key(Qt::Key_Z, Qt::ControlModifier), QString());
 
-  // A key wait disables the controls; any key, Enter (which runs nothing) or a click in the
-  // text ends it.
+  // A key wait disables the controls; a key, Enter (running nothing) or a click ends it.
   std::string during;
   DuringWait([&] {
     during = Enabled();
@@ -796,8 +792,7 @@ TEST_F(GameWindowTest, SavingLoadingAndRestartingAskWhereTheyShould) {
   ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
   EXPECT_TRUE(saved.readAll().contains("Garden"));
 
-  // Restart asks in the platform's box, or with the setting on in the program's own; Yes
-  // restarts.
+  // Restart asks in the platform's box, or with the setting on in the program's own.
   const QString restart = "Tarve: Do you really want to restart this game from the beginning?";
   for (const bool own : {false, true}) {
     player_->game().settings.special_msg_box = own;
@@ -854,8 +849,7 @@ class LauncherTest : public ::testing::Test {
     launcher->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(launcher.get()));
   }
-  // The file dialogs answer from `chosen` in turn (cancelled when it runs out) and keep the
-  // filters they were given.
+  // The file dialogs answer from `chosen` in turn (cancelled once it is empty); keeps filters.
   FileChooser Chooser() {
     return [this](QWidget*, const QString&, const QString& filter) {
       filters.push_back(filter);
@@ -963,8 +957,7 @@ TEST_F(LauncherTest, AddListsGamesWithATitleAndTheLauncherHandsGamesAndSavesToTh
   const std::string manor = Write("manor.gwl", "define game <Fish & Chips>\nend define\n");
   EXPECT_TRUE(BrowseAndAdd(manor).empty());
   EXPECT_TRUE(BrowseAndAdd(manor).empty());
-  // A short list hides the buttons it does not need and has nothing to scroll; a name is shown
-  // as written.
+  // A short list hides the buttons it does not need and cannot scroll; names show as written.
   EXPECT_EQ(ShownGames(),
             (QStringList{QString::fromStdString(compiled), "Fish & Chips", "Fish & Chips"}));
   EXPECT_EQ(launcher->butInstalledGame(1)->text(), QStringLiteral("Fish && Chips"));
@@ -1029,11 +1022,9 @@ TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) 
   EXPECT_EQ(store.Read("Games", "NumInstalled"), "3");
   EXPECT_EQ(store.Read("Games", "File1"), "/g/barn2.cgw");
   EXPECT_FALSE(store.Read("Games", "Name4") || store.Read("Games", "File4"));
-  // The launcher shows the list as it now stands.
   EXPECT_EQ(ShownGames(), (QStringList{"Big Barn", "Dungeon", "Attic"}));
 
-  // From the keyboard: Delete removes, Enter renames, and Escape closes the editor and keeps
-  // its changes too.
+  // From the keyboard: Delete removes, Enter renames, Escape closes and keeps the changes too.
   frmEditInstalledList editor(store, Chooser());
   WhenOpens<QWidget>([&](QWidget*) {
     QTest::keyClick(editor.lstGames(), Qt::Key_Delete);
