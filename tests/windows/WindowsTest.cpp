@@ -377,11 +377,10 @@ TEST_F(OptionsWindowTest, ShowsTheSettingsAndOkWritesEveryKeyAsTheControlsStand)
 
   const QStringList families = QFontDatabase::families();
   ASSERT_FALSE(families.isEmpty());
-  QFont picked;
+  QFont picked(families.last(), 12);
+  picked.setItalic(true);
   WhenOpens<QFontDialog>([&](QFontDialog* dialog) {
-    QFont wanted(families.last(), 12);
-    wanted.setItalic(true);
-    dialog->setCurrentFont(wanted);
+    dialog->setCurrentFont(picked);
     picked = dialog->currentFont();
     dialog->accept();
   });
@@ -990,15 +989,14 @@ TEST_F(LauncherTest, AddListsGamesWithATitleAndTheLauncherHandsGamesAndSavesToTh
 }
 
 TEST_F(LauncherTest, EditedListIsWrittenBackNumberedFromOneWhenTheEditorCloses) {
-  ASSERT_TRUE(WriteInstalledGames(store, {{"Attic", "/g/attic.gwl"},
-                                          {"Barn", "/g/barn.gwl"},
-                                          {"Cellar", "/g/cellar.gwl"},
-                                          {"Dungeon", "/g/dungeon.gwl"}}));
+  ASSERT_TRUE(WriteInstalledGames(
+      store,
+      {{"Attic", "/g/a.gwl"}, {"Barn", "/g/b.gwl"}, {"Cellar", "/g/c"}, {"Dungeon", "/g/d"}}));
   Open();
   WhenOpens<frmEditInstalledList>([&](frmEditInstalledList* editor) {
     QListWidget* list = editor->lstGames();
     list->setCurrentRow(1);
-    EXPECT_EQ(editor->lblGameFile()->text(), QStringLiteral("/g/barn.gwl"));
+    EXPECT_EQ(editor->lblGameFile()->text(), QStringLiteral("/g/b.gwl"));
     EXPECT_EQ(Answering([editor] { editor->butEditName()->click(); }, true, "Big Barn"),
               QStringList{"QInputDialog Edit Name: Enter new name for this game:"});
     chosen.push_back("/g/barn2.cgw");
