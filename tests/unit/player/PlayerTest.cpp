@@ -62,7 +62,7 @@ struct Opened {
   test::TestGame t{dir};
 };
 
-// A game without a version is in reader/chains.tt.
+// A game without a version is in parser/odd-commands.tt.
 TEST(OpenGame, VersionAndStartChecksWarnButNeverStopTheOpening) {
   const std::string future = "Warning: File contains future version header (greater than 217).";
   const std::string unrecognised = "Warning: Unrecognised GWL version number.";
