@@ -6,6 +6,7 @@
 #include <set>
 
 #include "base/Text.h"
+#include "game/ScriptLog.h"
 #include "interpreter/ExecuteScript.h"
 #include "interpreter/Functions.h"
 #include "interpreter/Substitution.h"
@@ -242,6 +243,19 @@ TEST_F(ScriptTest, RandStaysInBoundsGivenEitherWayRound) {
   for (int i = 0; i < 300; ++i) seen.insert(CallFunction(game, "rand(6; 1)"));
   EXPECT_EQ(seen, (std::set<std::string>{"1", "2", "3", "4", "5", "6"}));
   EXPECT_LE(std::abs(std::stoi(CallFunction(game, "rand(-40000; 40000)"))), 40000);
+}
+
+// A game that logs an error on every round of its loops: the window keeps the newest messages,
+// whole, and never more than its limit. What the log file gets is in startup/shell-security.tt.
+TEST_F(ScriptTest, TheLogWindowKeepsTheNewestMessagesWithinItsLimit) {
+  const std::string filler(90, '.');
+  for (int i = 1; i <= 100000; ++i) LogScriptError(t.game, "message " + std::to_string(i) + filler);
+  const std::string& text = t.game.log.text;
+  EXPECT_LE(text.size(), kMaxLogWindowBytes);
+  EXPECT_GT(text.size(), kMaxLogWindowBytes / 2);
+  EXPECT_TRUE(text.starts_with("message "));
+  EXPECT_TRUE(text.ends_with("message 100000" + filler + "\r\n"));
+  EXPECT_EQ(t.host.log.size(), 100000u);  // the window's own view was told every message
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <functional>
 
-#include "game/ScriptLog.h"
 #include "player/OpenGame.h"
 #include "player/Player.h"
 #include "support/TestSupport.h"
@@ -151,21 +150,6 @@ TEST(OpenGame, TheGamesDefaultFontAppliesUnlessThePlayerForbidsIt) {
   const Opened empty("default fontname <>\ndefault fontsize <none>\nstart <Hall>\n");
   EXPECT_EQ(empty.t.game.output.current_default_font_name, "Courier New");
   EXPECT_FLOAT_EQ(empty.t.game.output.current_default_font_size, 8.25f);
-}
-
-// A game that logs an error on every round of its loops: the window keeps the newest messages,
-// whole, and never more than its limit. What the log file gets is in startup/shell-security.tt.
-TEST(ScriptLog, TheWindowKeepsTheNewestMessagesWithinItsLimit) {
-  test::TempDir dir;
-  test::TestGame t(dir);
-  const std::string filler(90, '.');
-  for (int i = 1; i <= 100000; ++i) LogScriptError(t.game, "message " + std::to_string(i) + filler);
-  const std::string& text = t.game.log.text;
-  EXPECT_LE(text.size(), kMaxLogWindowBytes);
-  EXPECT_GT(text.size(), kMaxLogWindowBytes / 2);
-  EXPECT_TRUE(text.starts_with("message "));
-  EXPECT_TRUE(text.ends_with("message 100000" + filler + "\r\n"));
-  EXPECT_EQ(t.host.log.size(), 100000u);  // the window's own view was told every message
 }
 
 }  // namespace
