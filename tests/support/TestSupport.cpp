@@ -60,17 +60,11 @@ void RecordingHost::ProcessEventsUntil(const std::function<bool()>& done) {
   }
 }
 
-std::optional<std::string> RecordingHost::ChooseSavedGameFile(bool save) {
-  file_dialogs.push_back(save ? "save" : "load");
+std::optional<std::string> RecordingHost::ChooseSavedGameFile(bool) {
   if (file_dialog_answers.empty()) return std::nullopt;
   std::optional<std::string> answer = file_dialog_answers.front();
   file_dialog_answers.pop_front();
   return answer;
-}
-
-void RecordingHost::EnableGameControls(bool on) {
-  controls_enabled = on;
-  control_changes.push_back(on);
 }
 
 int RecordingHost::ShowMessage(const std::string& text, const std::string& title, int style) {

@@ -60,13 +60,13 @@ class RecordingHost : public OutputPane,
   void SetThingsHere(const std::vector<ListedThing>& things) override { things_here = things; }
   void SetItems(const std::string& text) override { items = text; }
   void SetCollectables(const std::vector<std::string>& lines) override { collectables = lines; }
-  void EnableGameControls(bool on) override;
+  void EnableGameControls(bool on) override { controls += on ? "+" : "-"; }
   void ShowDebugMenu(bool shown) override { debug_menu_shown = shown; }
   void GameOver() override {}
-  void ClearCommandBox() override { ++command_box_clears; }
-  void FocusCommandBox() override { ++command_box_focus; }
-  void SetBusy(bool on) override { busy = on; }
-  void CloseGame(bool end_program) override { closed.push_back(end_program); }
+  void ClearCommandBox() override { controls += "c"; }
+  void FocusCommandBox() override { controls += "f"; }
+  void SetBusy(bool on) override { controls += on ? "B" : "b"; }
+  void CloseGame(bool) override {}
 
   // The pane as it reads now (a clear empties it).
   std::string output;
@@ -86,10 +86,8 @@ class RecordingHost : public OutputPane,
   // Input lines for ProcessEventsUntil, and the pane's text at the start of each wait.
   std::deque<std::string> input;
   std::vector<std::string> waits;
-  // Selections are answered with their first answer; input boxes are cancelled.
-  // Saved-game file dialogs: "save" or "load" for each, answered in turn (cancelled when none
-  // is left).
-  std::vector<std::string> file_dialogs;
+  // Selections are answered with their first answer, input boxes cancelled, saved-game file
+  // dialogs answered in turn (cancelled when none is left).
   std::deque<std::optional<std::string>> file_dialog_answers;
 
   // The game window's state as the engine last set it.
@@ -99,14 +97,11 @@ class RecordingHost : public OutputPane,
   std::vector<ListedThing> things_here;
   std::string items;
   std::vector<std::string> collectables;
-  bool controls_enabled = true;
-  std::vector<bool> control_changes;  // every EnableGameControls call in order
   bool debug_menu_shown = true;
-  int command_box_clears = 0;
-  int command_box_focus = 0;
-  bool busy = false;
+  // A letter a call: "+" "-" controls enabled or disabled, "c" "f" command box cleared or focused,
+  // "B" "b" busy or not.
+  std::string controls;
   std::vector<std::string> progress;  // "CAPTION PERCENT" for each step, "closed" when closed
-  std::vector<bool> closed;           // every CloseGame call with its end_program
 
   // Platform services, one entry per request: "wave PATH sync" or "wave PATH async",
   // "midi PATH", "midi stop", "picture PATH", "open PATH" or "open PATH minimised", "sleep MS".

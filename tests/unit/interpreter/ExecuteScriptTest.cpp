@@ -44,7 +44,7 @@ TEST_F(ScriptTest, PauseFontAndEnterReachTheWindowAsTheyShould) {
   game.run.input_ended = true;  // enter does not wait once the input has ended
   ExecuteScript(game, "enter <name>");
   EXPECT_EQ(FindVariable(game.variables.strings, "name"), nullptr);
-  EXPECT_EQ(host.control_changes, (std::vector<bool>{false, true}));
+  EXPECT_EQ(host.controls, "-c+");
 }
 
 // Long texts count against the statement limit, so a loop over them ends as soon as a loop of

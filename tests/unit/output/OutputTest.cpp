@@ -101,8 +101,7 @@ TEST_F(OutputTest, WaitForKeyPromptsDisablesTheControlsAndNeverBlocksOnceInputHa
   EXPECT_EQ(t.host.waits.size(), 2u);  // once the input has ended the host is not asked again
   EXPECT_TRUE(t.game.run.input_ended);
   EXPECT_FALSE(t.game.output.waiting_for_key);
-  EXPECT_EQ(t.host.control_changes, (std::vector<bool>{false, true, false, true, false, true}));
-  EXPECT_EQ(t.host.command_box_focus, 3);
+  EXPECT_EQ(t.host.controls, "-+f-+f-+f");  // off and on, and the command box focused
 }
 
 TEST(OutputFile, SeparatorOnlyBeforeEarlierOutputAndTheGameFollowsTheHyphens) {

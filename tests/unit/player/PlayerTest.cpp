@@ -99,8 +99,7 @@ TEST(OpenGame, SetsTheCaptionProgressAndDebugMenuAndMarksTheLogFileOrNotesItUnwr
   EXPECT_EQ(opened.t.host.caption, "Tarve 2.17 - \"Opening\"");
   EXPECT_EQ(opened.t.host.progress, (Lines{"Initialising... 0", "Initialising... 20",
                                            "Initialising... 30", "Initialising... 40", "closed"}));
-  EXPECT_FALSE(opened.t.host.busy);
-  EXPECT_TRUE(opened.t.host.controls_enabled);
+  EXPECT_EQ(opened.t.host.controls, "Bc+bf");  // busy while opening, then playable
   EXPECT_TRUE(opened.t.host.debug_menu_shown && opened.t.game.run.debug_allowed);
   const Opened nodebug("  nodebug  \nstart <Hall>\n");  // nodebug must be the whole line
   EXPECT_FALSE(nodebug.t.host.debug_menu_shown || nodebug.t.game.run.debug_allowed);

@@ -338,7 +338,8 @@ TEST_F(FileSafetyTest, SavingKeepsModeAndLinkAndIgnoresPlantedFiles) {
 
 // A save whose folder went away asks for another file at once, and goes on with that one.
 TEST_F(FileSafetyTest, AFailedSaveAsksForAnotherFile) {
-  host.file_dialog_answers = {dir.path() + "/game/first.tsg", dir.path() + "/second.tsg"};
+  host.file_dialog_answers = {dir.path() + "/game/first.tsg", dir.path() + "/second.tsg",
+                              dir.path() + "/third.tsg"};
   t.player.MenuSave();
   fs::remove_all(folder);
   t.player.MenuSave();
@@ -346,7 +347,7 @@ TEST_F(FileSafetyTest, AFailedSaveAsksForAnotherFile) {
             "[Error] Unable to save the game to " + folder.string() + "/first.tsg");
   EXPECT_TRUE(fs::exists(dir.path() + "/second.tsg"));
   t.player.MenuSave();
-  EXPECT_EQ(host.file_dialogs, (std::vector<std::string>{"save", "save"}));
+  EXPECT_EQ(host.file_dialog_answers.size(), 1u);  // the last save went to the second file
 }
 
 TEST_F(FileSafetyTest, FifosAndDevicesAreRefusedWithoutWaiting) {
