@@ -11,39 +11,11 @@
 
 namespace tarve::test {
 
-void RecordingHost::InsertText(std::string_view text) {
-  output.append(text);
-  styled.append(text);
-}
-
-void RecordingHost::SetColour(Rgb colour) {
-  styled += "{colour:" + std::to_string(colour.r) + "," + std::to_string(colour.g) + "," +
-            std::to_string(colour.b) + "}";
-}
-
 void RecordingHost::SetFontSize(float size) { styled += "{size:" + FormatSingle(size) + "}"; }
 
 void RecordingHost::SetAlignment(Alignment alignment) {
-  switch (alignment) {
-    case Alignment::kLeft:
-      styled += "{align:left}";
-      break;
-    case Alignment::kCentre:
-      styled += "{align:centre}";
-      break;
-    case Alignment::kRight:
-      styled += "{align:right}";
-      break;
-  }
-}
-
-void RecordingHost::ClearOutput() {
-  output.clear();
-  styled += "{clear}";
-}
-
-void RecordingHost::ShowProgress(const std::string& caption_text, int percent) {
-  progress.push_back(caption_text + " " + std::to_string(percent));
+  const char* const names[] = {"left", "centre", "right"};
+  styled += std::string("{align:") + names[static_cast<int>(alignment)] + "}";
 }
 
 void RecordingHost::ProcessEventsUntil(const std::function<bool()>& done) {
@@ -55,28 +27,14 @@ void RecordingHost::ProcessEventsUntil(const std::function<bool()>& done) {
     }
     const std::string line = input.front();
     input.pop_front();
-    // Enter ends a pending key wait; otherwise the line goes to the command box.
     player->SubmitCommand(line);
   }
-}
-
-std::optional<std::string> RecordingHost::ChooseSavedGameFile(bool) {
-  if (file_dialog_answers.empty()) return std::nullopt;
-  std::optional<std::string> answer = file_dialog_answers.front();
-  file_dialog_answers.pop_front();
-  return answer;
 }
 
 int RecordingHost::ShowMessage(const std::string& text, const std::string& title, int style) {
   messages.push_back("[" + title + "] " + text);
   windows.push_back("box " + title);
   message_styles.push_back(style);
-  int answer = 0;
-  if (!answers.empty()) {
-    answer = answers.front();
-    answers.pop_front();
-  }
-  if (answer != 0) return answer;
   return (style & 7) == kYesNo ? kAnswerYes : kAnswerOk;
 }
 

@@ -15,8 +15,8 @@
 
 namespace tarve::test {
 
-// Keeps everything the engine asked of its host, and answers message boxes, input boxes,
-// selections and waits from a script.
+// Keeps everything the engine asked of its host, and answers message boxes (OK or Yes), input
+// boxes, selections and waits.
 class RecordingHost : public OutputPane,
                       public Dialogs,
                       public GameWindow,
@@ -25,22 +25,27 @@ class RecordingHost : public OutputPane,
   // The player whose command box the scripted input reaches during waits.
   Player* player = nullptr;
 
-  void InsertText(std::string_view text) override;
+  void InsertText(std::string_view text) override { output += text, styled += text; }
   void SetBold(bool on) override { styled += on ? "{b}" : "{/b}"; }
   void SetItalic(bool on) override { styled += on ? "{i}" : "{/i}"; }
   void SetUnderline(bool on) override { styled += on ? "{u}" : "{/u}"; }
-  void SetColour(Rgb colour) override;
+  void SetColour(Rgb c) override {
+    styled += "{colour:" + std::to_string(c.r) + "," + std::to_string(c.g) + "," +
+              std::to_string(c.b) + "}";
+  }
   void SetFontName(const std::string& name) override { styled += "{font:" + name + "}"; }
   void SetFontSize(float size) override;
   void SetAlignment(Alignment alignment) override;
-  void ClearOutput() override;
+  void ClearOutput() override { output.clear(), styled += "{clear}"; }
   void Repaint() override { ++repaints; }
   int ShowMessage(const std::string& text, const std::string& title, int style) override;
   std::optional<std::string> InputBox(const std::string&, const std::string&) override {
     return std::nullopt;
   }
   void ScriptLogAppended(std::string_view message) override { log.emplace_back(message); }
-  void ShowProgress(const std::string& caption, int percent) override;
+  void ShowProgress(const std::string& text, int percent) override {
+    progress.push_back(text + " " + std::to_string(percent));
+  }
   void CloseProgress() override { progress.push_back("closed"); }
   void ShowSplash() override { windows.push_back("splash"); }
   void CloseSplash() override { windows.push_back("splash closed"); }
@@ -51,7 +56,12 @@ class RecordingHost : public OutputPane,
   int ShowSelection(const std::string&, const std::vector<std::string>& answers) override {
     return answers.empty() ? -1 : 0;
   }
-  std::optional<std::string> ChooseSavedGameFile(bool save) override;
+  std::optional<std::string> ChooseSavedGameFile(bool) override {
+    if (file_dialog_answers.empty()) return std::nullopt;
+    std::optional<std::string> answer = file_dialog_answers.front();
+    file_dialog_answers.pop_front();
+    return answer;
+  }
 
   void SetCaption(const std::string& text) override { caption = text; }
   void SetLocation(const std::string& text) override { location = text; }
@@ -81,7 +91,6 @@ class RecordingHost : public OutputPane,
   // "splash", "splash closed", "launcher", "box TITLE".
   std::vector<std::string> windows;
   std::vector<std::string> log;
-  std::deque<int> answers;  // given to message boxes in turn; OK/Yes when empty
 
   // Input lines for ProcessEventsUntil, and the pane's text at the start of each wait.
   std::deque<std::string> input;
