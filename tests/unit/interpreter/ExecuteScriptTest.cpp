@@ -20,7 +20,6 @@ using Lines = std::vector<std::string>;
 
 class ScriptTest : public ::testing::Test {
  protected:
-  // Runs a statement and reads a numeric variable it sets.
   int16_t Run(const std::string& statement, std::string_view variable = "tarve.shellsuccess") {
     ExecuteScript(game, statement);
     return GetNumericVariable(game, variable);

@@ -19,7 +19,6 @@ void TurnOnOutputFile(TestGame& t, const std::string& path) {
 
 class OutputTest : public ::testing::Test {
  protected:
-  // What the pane received from one PrintText call, with its style markers.
   std::string Printed(std::string_view text) {
     t.host.styled.clear();
     PrintText(t.game, text);
