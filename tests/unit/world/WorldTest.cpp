@@ -175,31 +175,29 @@ TEST_F(WorldTest, ThePanesAndTheViewerShowTheDeclarationsAndFollowEveryChange) {
       "  collectables <score num=10 [Score: !], gold coins = 2.5 [! coin*s*; so far]; "
       "gems num=1 [! gem*s* and ! ring*s*], lives int=3, secret dnum=1, hidden num=0 [], "
       "stars=7 [Stars: * (unclosed]>\nend define\n");
-  Game& game = t.game;
-  test::RecordingHost& host = t.host;
-  SetUpItems(game);
-  SetUpStartItems(game);
-  SetUpCollectables(game);
+  SetUpItems(t.game);
+  SetUpStartItems(t.game);
+  SetUpCollectables(t.game);
   // The viewer's rows: table 3, rows in all with the heading, row, name and value.
   EXPECT_EQ(
-      host.viewer_rows,
+      t.host.viewer_rows,
       (std::vector<std::string>{"3 8 1 score=10", "3 8 2 gold=2.5", "3 8 3 gems=1", "3 8 4 lives=3",
                                 "3 8 5 secret=1", "3 8 6 hidden=0", "3 8 7 stars=7"}));
-  ExecuteGive(game, "lamp");
-  ExecuteGive(game, "key");
-  EXPECT_EQ(host.items, "Items:\r\n    lamp\r\n    key");
-  ExecuteLose(game, "lamp");
-  ExecuteLose(game, "key");
-  EXPECT_EQ(host.items, "Items:\r\n    (no items)");
+  ExecuteGive(t.game, "lamp");
+  ExecuteGive(t.game, "key");
+  EXPECT_EQ(t.host.items, "Items:\r\n    lamp\r\n    key");
+  ExecuteLose(t.game, "lamp");
+  ExecuteLose(t.game, "key");
+  EXPECT_EQ(t.host.items, "Items:\r\n    (no items)");
 
-  ExecuteSet(game, "score; =0.3");
-  EXPECT_EQ(host.collectables,
+  ExecuteSet(t.game, "score; =0.3");
+  EXPECT_EQ(t.host.collectables,
             (std::vector<std::string>{"Score: 0.3", "2.5 coins; so far", "1 gem and ! ring",
                                       "You have 3 lives", "Stars: * (unclosed"}));
-  EXPECT_EQ(host.viewer_rows.back(), "3 8 7 stars=7");
-  ExecuteSet(game, "score; =1e39");
-  EXPECT_EQ(GetCollectableAmount(game, "score"), 0.3f);
-  EXPECT_EQ(host.log,
+  EXPECT_EQ(t.host.viewer_rows.back(), "3 8 7 stars=7");
+  ExecuteSet(t.game, "score; =1e39");
+  EXPECT_EQ(GetCollectableAmount(t.game, "score"), 0.3f);
+  EXPECT_EQ(t.host.log,
             std::vector<std::string>{"Error: Collectable amount out of range in score; =1e39"});
 }
 
