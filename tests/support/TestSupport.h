@@ -25,7 +25,10 @@ class RecordingHost : public OutputPane,
   // The player whose command box the scripted input reaches during waits.
   Player* player = nullptr;
 
-  void InsertText(std::string_view text) override { output += text, styled += text; }
+  void InsertText(std::string_view text) override {
+    output += text;
+    styled += text;
+  }
   void SetBold(bool on) override { styled += on ? "{b}" : "{/b}"; }
   void SetItalic(bool on) override { styled += on ? "{i}" : "{/i}"; }
   void SetUnderline(bool on) override { styled += on ? "{u}" : "{/u}"; }
@@ -36,7 +39,10 @@ class RecordingHost : public OutputPane,
   void SetFontName(const std::string& name) override { styled += "{font:" + name + "}"; }
   void SetFontSize(float size) override;
   void SetAlignment(Alignment alignment) override;
-  void ClearOutput() override { output.clear(), styled += "{clear}"; }
+  void ClearOutput() override {
+    output.clear();
+    styled += "{clear}";
+  }
   void Repaint() override { ++repaints; }
   int ShowMessage(const std::string& text, const std::string& title, int style) override;
   std::optional<std::string> InputBox(const std::string&, const std::string&) override {
