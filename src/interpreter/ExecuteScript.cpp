@@ -32,10 +32,6 @@ namespace tarve {
 
 namespace {
 
-// A `for` whose script keeps setting its variable back could run for ever; past this many
-// rounds it is stopped. No loop that counts through the 16-bit range comes near it.
-constexpr long kMaxLoopRounds = 1000000;
-
 struct Statement {
   std::string_view line;     // as the script holds it
   std::string_view trimmed;  // without its surrounding blanks
@@ -221,7 +217,8 @@ void RunLoopBody(Game& game, const LoopBody& body, std::string& parameter);
 
 // for <variable; from; to> script and for <variable; from; to; step> script. The script may
 // change the variable, which moves the loop on or back; with a step of 0 only the script moves
-// it, and the round limit ends a loop that it never ends.
+// it. Every round counts against the statement's allowance, which ends a loop that the script
+// never ends.
 void For(Game& game, const Statement& s) {
   const std::optional<std::string> parameter = Parameter(game, s);
   if (!parameter) return;
@@ -253,7 +250,6 @@ void For(Game& game, const Statement& s) {
   NestedScript nested(game);
   if (!nested.entered()) return;
   int i = *from;
-  long rounds = 0;
   const LoopBody body = PrepareLoopBody(script);
   std::string body_parameter;
   while (*step < 0 ? i >= *to : i <= *to) {
@@ -264,11 +260,6 @@ void For(Game& game, const Statement& s) {
     // would leave the 16-bit range ends the loop.
     const int next = GetNumericVariable(game, name) + *step;
     if (next < -32768 || next > 32767) return;
-    if (++rounds >= kMaxLoopRounds) {
-      LogScriptError(game, "Error: for <" + *parameter + "> ran " + std::to_string(kMaxLoopRounds) +
-                               " times and was stopped.");
-      return;
-    }
     i = next;
   }
 }
@@ -550,6 +541,11 @@ LoopBody PrepareLoopBody(std::string_view script) {
 }
 
 void RunLoopBody(Game& game, const LoopBody& body, std::string& parameter) {
+  if (body.trimmed.empty()) {
+    // A round of nothing still counts, or loops of empty loops would never reach the limit.
+    ChargeStatements(game, 1);
+    return;
+  }
   if (!body.matched) {
     ExecuteScript(game, body.line);
     return;

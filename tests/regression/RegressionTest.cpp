@@ -66,8 +66,9 @@ TEST(FuzzRegression, TheFuzzTargetsGamesOpenCleanly) {
       std::string::npos);
 }
 
-// Three loops inside each other through procedures once froze the player: now a statement past
-// the limit is cut, logged once, and the next command runs with a fresh allowance.
+// Loops inside each other through procedures once froze the player, and so did loops of empty
+// loops: now a statement past the limit is cut, logged once, and the next command runs with a
+// fresh allowance.
 TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
   const test::TempDir dir;
   test::TestGame t(dir);
@@ -76,6 +77,7 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
                                          "define game <Loops>\n"
                                          "    startscript setvar <n; 0>\n"
                                          "    command <spin> for <a; 1; 30000> do <inner>\n"
+                                         "    command <idle> for <a; 1; 30000> for <b; 1; 2; 0>\n"
                                          "end define\n"
                                          "define procedure <inner>\n"
                                          "    for <b; 1; 30000> setvar <n; %n%+1>\n"
@@ -92,6 +94,9 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
     EXPECT_LT(n, before + 5000);
     before = n;
   }
+  // Rounds of an empty loop count too: thousands of them inside another loop are cut the same.
+  t.player.SubmitCommand("idle");
+  EXPECT_EQ(std::count(t.host.log.begin(), t.host.log.end(), cut), 3);
 }
 
 }  // namespace
