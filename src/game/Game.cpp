@@ -25,6 +25,13 @@ bool ChargeStatements(Game& game, long count) {
   RunState& run = game.run;
   if (run.script_depth == 0) return true;
   if (run.unwinding) return false;
+  const long lines = game.text.lines_read - run.lines_charged;
+  if (lines < 0) {
+    run.lines_charged = game.text.lines_read;  // another game's lines since the last charge
+  } else if (lines >= kLinesReadPerStatement) {
+    count += lines / kLinesReadPerStatement;
+    run.lines_charged += lines / kLinesReadPerStatement * kLinesReadPerStatement;
+  }
   run.statements_run += count;
   game.statements_total += count;
   // Nearly every charge stays within both limits; only a cut builds its message.

@@ -47,6 +47,8 @@ struct RunState {
   // Statements, procedures and function calls begun since the current top-level statement
   // began; past Game::statement_limit that statement is abandoned as well.
   long statements_run = 0;
+  // GameText::lines_read when the lines read were last charged as statements.
+  long lines_charged = 0;
   // No more input can come (the terminal's input ended): waits end at once.
   bool input_ended = false;
 };
@@ -56,8 +58,11 @@ inline constexpr int kMaxScriptDepth = 200;
 // One top-level statement (a turn's command script, a room script, a start script) may run at
 // most this many statements, procedures and function calls in all: nested loops and procedures
 // that call each other many times over would otherwise freeze the player. Game::statement_limit
-// holds it. Building and printing long texts counts as well (ChargeStatements).
+// holds it. Printed lines, long texts and reading the game's lines count as well
+// (ChargeStatements).
 inline constexpr long kMaxStatementsPerRun = 1000000;
+// Scans of the game's blocks cost one statement for this many lines read.
+inline constexpr long kLinesReadPerStatement = 64;
 // Game::total_statement_limit when nothing bounds the statements of a whole game.
 inline constexpr long kNoTotalStatementLimit = std::numeric_limits<long>::max();
 
@@ -121,7 +126,8 @@ struct Game {
 void ResetGameTables(Game& game);
 
 // Counts `count` statements against the running top-level statement's limit and the game's
-// total limit. Past either, the rest of the top-level statement is abandoned (logged once) and
+// total limit, with one more for every kLinesReadPerStatement lines of the game read since the
+// last charge. Past either, the rest of the top-level statement is abandoned (logged once) and
 // the result is false. Outside every statement it counts nothing.
 bool ChargeStatements(Game& game, long count);
 

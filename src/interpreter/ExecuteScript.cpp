@@ -598,8 +598,12 @@ void Dispatch(Game& game, std::string_view line, std::string_view trimmed) {
                  "Warning: Unrecognized keyword. Line reads: '" + QuotedForLog(trimmed) + "'");
 }
 
-// A script of several lines is cut at every CR LF; each piece, trimmed, is a statement.
+// A script of several lines is cut at every CR LF; each piece, trimmed, is a statement. Cutting
+// a long script costs as much as building a text of its length.
 void RunLines(Game& game, const std::string& script, const NestedScript& nested) {
+  if (!ChargeStatements(game, static_cast<long>(script.size() / kSubstitutedBytesPerStatement))) {
+    return;
+  }
   std::size_t from = 0;
   while (from <= script.size()) {
     std::size_t end = script.find("\r\n", from);
@@ -625,7 +629,10 @@ bool EnterNestedScript(Game& game) {
                              "rest of the statement was skipped.");
     return false;
   }
-  if (run.script_depth == 0) run.statements_run = 0;
+  if (run.script_depth == 0) {
+    run.statements_run = 0;
+    run.lines_charged = game.text.lines_read;
+  }
   ++run.script_depth;
   if (!ChargeStatements(game, 1)) {
     // Nothing runs, so nothing below will end the unwinding when it leaves.
@@ -686,6 +693,7 @@ void DisplayText(Game& game, std::string_view name) {
   const BlockRange block = FindBlockByName(game, "text", name);
   for (int i = block.start + 1; i < block.end && i <= game.text.LineCount(); ++i) {
     PrintText(game, game.text.Line(i));
+    if (game.run.unwinding) return;  // past the statement limit
   }
 }
 

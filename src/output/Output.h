@@ -27,9 +27,9 @@ struct OutputState {
 };
 
 void PrintText(Game& game, std::string_view text);
-// Printing a long text inside a script costs as much as running a statement for every this many
-// bytes of it (formatting codes make printing dearer than building text), so that a loop that
-// prints long texts meets the statement limit as other loops do.
+// Printing a line inside a script costs as much as running a statement, and one more for every
+// this many bytes of it (formatting codes make printing dearer than building text), so that a
+// loop that prints many or long lines meets the statement limit as other loops do.
 inline constexpr std::size_t kPrintedBytesPerStatement = 256;
 void SetOutputFont(Game& game, std::string_view name);
 void SetOutputFontSize(Game& game, float size);

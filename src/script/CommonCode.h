@@ -52,7 +52,15 @@ struct GameText {
 
   int LineCount() const { return static_cast<int>(lines.size()) - 1; }
   int BlockCount() const { return static_cast<int>(blocks.size()) - 1; }
-  const std::string& Line(int n) const { return lines[static_cast<std::size_t>(n)]; }
+  const std::string& Line(int n) const {
+    ++lines_read;
+    return lines[static_cast<std::size_t>(n)];
+  }
+
+  // How many times Line was called: a script's statements are charged for the lines they read
+  // (ChargeStatements), so that a statement which scans a long block cannot be repeated without
+  // bound.
+  mutable long lines_read = 0;
 
   // Lookup tables over `blocks`, kept by AddBlock. Names whose define line holds a substitution
   // marker can only be compared at lookup time and are kept apart, in block order.

@@ -66,9 +66,9 @@ TEST(FuzzRegression, TheFuzzTargetsGamesOpenCleanly) {
       std::string::npos);
 }
 
-// Loops inside each other through procedures once froze the player, and so did loops of empty
-// loops: now a statement past the limit is cut, logged once, and the next command runs with a
-// fresh allowance.
+// Loops inside each other through procedures once froze the player, and so did loops over
+// empty loops and blank lines: now a statement past the limit is cut, logged once, and the next
+// command runs with a fresh allowance.
 TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
   const test::TempDir dir;
   test::TestGame t(dir);
@@ -78,10 +78,17 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
                                          "    startscript setvar <n; 0>\n"
                                          "    command <spin> for <a; 1; 30000> do <inner>\n"
                                          "    command <idle> for <a; 1; 30000> for <b; 1; 2; 0>\n"
+                                         "    command <blanks> for <a; 1; 1000> do <blank>\n"
+                                         "    command <page> for <a; 1; 1000> displaytext <blank>\n"
                                          "end define\n"
                                          "define procedure <inner>\n"
                                          "    for <b; 1; 30000> setvar <n; %n%+1>\n"
-                                         "end define\n")));
+                                         "end define\n"
+                                         "define procedure <blank>\n" +
+                                             std::string(3000, '\n') +
+                                             "end define\n"
+                                             "define text <blank>\n" +
+                                             std::string(3000, '\n') + "end define\n")));
   const std::string cut =
       "Error: The statement ran more than 5000 statements and calls (loops inside loops?) - the "
       "rest of it was skipped.";
@@ -94,9 +101,14 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
     EXPECT_LT(n, before + 5000);
     before = n;
   }
-  // Rounds of an empty loop count too: thousands of them inside another loop are cut the same.
-  t.player.SubmitCommand("idle");
-  EXPECT_EQ(std::count(t.host.log.begin(), t.host.log.end(), cut), 3);
+  // Work that runs no statement counts too: the rounds of an empty loop, the blank lines of a
+  // procedure read, and the lines of a text printed.
+  int cuts = 2;
+  for (const char* command : {"idle", "blanks", "page"}) {
+    SCOPED_TRACE(command);
+    t.player.SubmitCommand(command);
+    EXPECT_EQ(std::count(t.host.log.begin(), t.host.log.end(), cut), ++cuts);
+  }
 }
 
 }  // namespace
