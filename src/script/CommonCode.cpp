@@ -113,11 +113,12 @@ BlockRange FindBlockByName(Game& game, std::string_view type, std::string_view n
     if (auto it = names->second.find(name); it != names->second.end()) found = it->second;
   }
   // Names written with substitution markers are compared as their values at this moment, in
-  // block order, and only those that stand before the first plain match can win.
+  // block order, and only those that stand before the first plain match can win. Each costs a
+  // statement: a game of thousands of such names must not make every lookup in a loop free.
   if (auto it = text.substituted_names_of_type.find(type);
       it != text.substituted_names_of_type.end()) {
     for (int index : it->second) {
-      if (index > found) break;
+      if (index > found || !ChargeStatements(game, 1)) break;
       const BlockRecord& block = game.text.blocks[static_cast<std::size_t>(index)];
       if (game.substitute_all(game, block.parameter) == name) {
         found = index;

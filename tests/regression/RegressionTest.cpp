@@ -73,22 +73,25 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
   const test::TempDir dir;
   test::TestGame t(dir);
   t.game.statement_limit = 5000;
-  ASSERT_TRUE(OpenGame(t.game, dir.Write("game.gwl",
-                                         "define game <Loops>\n"
-                                         "    startscript setvar <n; 0>\n"
-                                         "    command <spin> for <a; 1; 30000> do <inner>\n"
-                                         "    command <idle> for <a; 1; 30000> for <b; 1; 2; 0>\n"
-                                         "    command <blanks> for <a; 1; 1000> do <blank>\n"
-                                         "    command <page> for <a; 1; 1000> displaytext <blank>\n"
-                                         "end define\n"
-                                         "define procedure <inner>\n"
-                                         "    for <b; 1; 30000> setvar <n; %n%+1>\n"
-                                         "end define\n"
-                                         "define procedure <blank>\n" +
-                                             std::string(3000, '\n') +
-                                             "end define\n"
-                                             "define text <blank>\n" +
-                                             std::string(3000, '\n') + "end define\n")));
+  std::string game =
+      "define game <Loops>\n"
+      "    startscript setvar <n; 0>\n"
+      "    command <spin> for <a; 1; 30000> do <inner>\n"
+      "    command <idle> for <a; 1; 30000> for <b; 1; 2; 0>\n"
+      "    command <blanks> for <a; 1; 1000> do <blank>\n"
+      "    command <page> for <a; 1; 1000> displaytext <blank>\n"
+      "    command <lookup> for <a; 1; 1000> do <missing>\n"
+      "end define\n"
+      "define procedure <inner>\n"
+      "    for <b; 1; 30000> setvar <n; %n%+1>\n"
+      "end define\n";
+  game += "define procedure <blank>\n" + std::string(3000, '\n') + "end define\n";
+  game += "define text <blank>\n" + std::string(3000, '\n') + "end define\n";
+  // Names that must be substituted before they can be compared.
+  for (int i = 0; i < 100; ++i) {
+    game += "define procedure <p" + std::to_string(i) + "#n#>\nend define\n";
+  }
+  ASSERT_TRUE(OpenGame(t.game, dir.Write("game.gwl", game)));
   const std::string cut =
       "Error: The statement ran more than 5000 statements and calls (loops inside loops?) - the "
       "rest of it was skipped.";
@@ -102,9 +105,9 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
     before = n;
   }
   // Work that runs no statement counts too: the rounds of an empty loop, the blank lines of a
-  // procedure read, and the lines of a text printed.
+  // procedure read, the lines of a text printed, and the names substituted to find a block.
   int cuts = 2;
-  for (const char* command : {"idle", "blanks", "page"}) {
+  for (const char* command : {"idle", "blanks", "page", "lookup"}) {
     SCOPED_TRACE(command);
     t.player.SubmitCommand(command);
     EXPECT_EQ(std::count(t.host.log.begin(), t.host.log.end(), cut), ++cuts);
