@@ -28,9 +28,9 @@ bool ChargeStatements(Game& game, long count) {
   const long lines = game.text.lines_read - run.lines_charged;
   if (lines < 0) {
     run.lines_charged = game.text.lines_read;  // another game's lines since the last charge
-  } else if (lines >= kLinesReadPerStatement) {
-    count += lines / kLinesReadPerStatement;
-    run.lines_charged += lines / kLinesReadPerStatement * kLinesReadPerStatement;
+  } else if (lines >= kScannedPerStatement) {
+    count += lines / kScannedPerStatement;
+    run.lines_charged += lines / kScannedPerStatement * kScannedPerStatement;
   }
   run.statements_run += count;
   game.statements_total += count;

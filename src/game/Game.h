@@ -61,8 +61,11 @@ inline constexpr int kMaxScriptDepth = 200;
 // holds it. Printed lines, long texts and reading the game's lines count as well
 // (ChargeStatements).
 inline constexpr long kMaxStatementsPerRun = 1000000;
-// Scans of the game's blocks cost one statement for this many lines read.
-inline constexpr long kLinesReadPerStatement = 64;
+// Scans cost one statement for this many lines of the game read or things looked at.
+inline constexpr long kScannedPerStatement = 64;
+// Writing a message to the script log costs as much as this many statements: the log file is
+// opened for every message.
+inline constexpr long kLoggedMessageStatements = 16;
 // Game::total_statement_limit when nothing bounds the statements of a whole game.
 inline constexpr long kNoTotalStatementLimit = std::numeric_limits<long>::max();
 
@@ -126,7 +129,7 @@ struct Game {
 void ResetGameTables(Game& game);
 
 // Counts `count` statements against the running top-level statement's limit and the game's
-// total limit, with one more for every kLinesReadPerStatement lines of the game read since the
+// total limit, with one more for every kScannedPerStatement lines of the game read since the
 // last charge. Past either, the rest of the top-level statement is abandoned (logged once) and
 // the result is false. Outside every statement it counts nothing.
 bool ChargeStatements(Game& game, long count);

@@ -47,6 +47,7 @@ void LogScriptError(Game& game, std::string_view message) {
   if (!line.empty()) AppendToWindow(game, line);
   line += "\r\n";
   AppendToLogFile(game, line);
+  ChargeStatements(game, kLoggedMessageStatements);
 }
 
 std::string ShortenedForLog(std::string_view text) { return CutWithEllipsis(text, 60); }

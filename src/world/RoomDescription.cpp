@@ -66,6 +66,9 @@ struct ThingsHere {
 // visible; a room field that differs only in case does not count.
 ThingsHere CollectThingsHere(Game& game, std::string_view room, BlockRange room_block) {
   ThingsHere here;
+  ChargeStatements(game, static_cast<long>(game.world.characters.size() +
+                                           game.world.objects.size()) /
+                             kScannedPerStatement);
   for (const Thing& thing : game.world.characters) {
     if (thing.room != room || !thing.exists || !thing.visible) continue;
     here.characters += thing.prefix + "|b" + thing.name + "|xb" + thing.suffix + ", ";

@@ -13,12 +13,15 @@ cd "$work" || exit 1
 failures=0
 fail() { echo "FAIL: $*" >&2; failures=$((failures + 1)); }
 
-# --- The log file: 3 x 30,000 rounds of an unknown line of 1,000 characters. -----------------
+# --- The log file: 4 x 30,000 rounds of an unknown line of 1,000 characters. -----------------
 long=$(printf '%01000d' 0 | tr 0 x)
 cat >noise.gwl <<GAME
 define game <Noise>
   start <Hall>
-  startscript for <j; 1; 3> do <rounds>
+  startscript do <rounds>
+  startscript do <rounds>
+  startscript do <rounds>
+  startscript do <rounds>
 end define
 define room <Hall>
 end define

@@ -81,6 +81,8 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
       "    command <blanks> for <a; 1; 1000> do <blank>\n"
       "    command <page> for <a; 1; 1000> displaytext <blank>\n"
       "    command <lookup> for <a; 1; 1000> do <missing>\n"
+      "    command <hide> for <a; 1; 1000> hideobject <thing 1>\n"
+      "    command <warn> for <a; 1; 1000> msg <#undefined#>\n"
       "end define\n"
       "define procedure <inner>\n"
       "    for <b; 1; 30000> setvar <n; %n%+1>\n"
@@ -91,6 +93,10 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
   for (int i = 0; i < 100; ++i) {
     game += "define procedure <p" + std::to_string(i) + "#n#>\nend define\n";
   }
+  game += "define room <far>\n";
+  for (int i = 0; i < 1000; ++i)
+    game += "define object <thing " + std::to_string(i) + ">\nend define\n";
+  game += "end define\n";
   ASSERT_TRUE(OpenGame(t.game, dir.Write("game.gwl", game)));
   const std::string cut =
       "Error: The statement ran more than 5000 statements and calls (loops inside loops?) - the "
@@ -105,9 +111,10 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
     before = n;
   }
   // Work that runs no statement counts too: the rounds of an empty loop, the blank lines of a
-  // procedure read, the lines of a text printed, and the names substituted to find a block.
+  // procedure read, the lines of a text printed, the names substituted to find a block, the
+  // things looked at to list those here, and the messages logged.
   int cuts = 2;
-  for (const char* command : {"idle", "blanks", "page", "lookup"}) {
+  for (const char* command : {"idle", "blanks", "page", "lookup", "hide", "warn"}) {
     SCOPED_TRACE(command);
     t.player.SubmitCommand(command);
     EXPECT_EQ(std::count(t.host.log.begin(), t.host.log.end(), cut), ++cuts);
