@@ -169,8 +169,8 @@ std::size_t ApplyCode(Game& game, std::string_view code) {
 
 void PrintText(Game& game, std::string_view text) {
   if (!game.output.enabled) return;
-  // Every printed line counts as a statement, a long one as more.
-  ChargeStatements(game, 1 + static_cast<long>(text.size() / kPrintedBytesPerStatement));
+  ChargeStatements(game, kPrintedLineStatements +
+                             static_cast<long>(text.size() / kPrintedBytesPerStatement));
   bool line_end = true;
   if (text.ends_with("|xn")) {
     text.remove_suffix(3);

@@ -27,9 +27,12 @@ struct OutputState {
 };
 
 void PrintText(Game& game, std::string_view text);
-// Printing a line inside a script costs as much as running a statement, and one more for every
-// this many bytes of it (formatting codes make printing dearer than building text), so that a
-// loop that prints many or long lines meets the statement limit as other loops do.
+// Printing a line inside a script costs as much as running kPrintedLineStatements statements
+// (the window's pane takes some tens of microseconds for a line), and one more for every
+// kPrintedBytesPerStatement bytes of it (formatting codes make printing dearer than building
+// text), so that a loop that prints many or long lines meets the statement limit as other loops
+// do.
+inline constexpr long kPrintedLineStatements = 4;
 inline constexpr std::size_t kPrintedBytesPerStatement = 256;
 void SetOutputFont(Game& game, std::string_view name);
 void SetOutputFontSize(Game& game, float size);
