@@ -258,11 +258,15 @@ bool TryVerbs(Game& game, std::string_view command) {
 
 enum class WordResult { kNone, kDone, kQuit };
 
+constexpr long kSavedGameStatements = 10000;
+
 WordResult TryWholeCommandWords(Game& game, std::string_view command) {
   // "save", "load" and "quit" do what the program's Save and Load menus and closing the game's
   // window do.
   if (command == "save") {
-    if (game.program) game.program->Save();
+    // Writing a saved game costs as much as many statements, so that a script that saves in a
+    // loop stops soon.
+    if (game.program && ChargeStatements(game, kSavedGameStatements)) game.program->Save();
   } else if (command == "load") {
     if (game.program) game.program->Load();
   } else if (command == "quit") {

@@ -83,6 +83,7 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
       "    command <lookup> for <a; 1; 1000> do <missing>\n"
       "    command <hide> for <a; 1; 1000> hideobject <thing 1>\n"
       "    command <warn> for <a; 1; 1000> msg <#undefined#>\n"
+      "    command <saves> for <a; 1; 3> exec <save>\n"
       "end define\n"
       "define procedure <inner>\n"
       "    for <b; 1; 30000> setvar <n; %n%+1>\n"
@@ -112,13 +113,16 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
   }
   // Work that runs no statement counts too: the rounds of an empty loop, the blank lines of a
   // procedure read, the lines of a text printed, the names substituted to find a block, the
-  // things looked at to list those here, and the messages logged.
+  // things looked at to list those here, the messages logged, and the games saved (a save costs
+  // more than this whole allowance, so none is written).
+  t.host.file_dialog_answers.assign(3, dir.path() + "/saved.tsg");
   int cuts = 2;
-  for (const char* command : {"idle", "blanks", "page", "lookup", "hide", "warn"}) {
+  for (const char* command : {"idle", "blanks", "page", "lookup", "hide", "warn", "saves"}) {
     SCOPED_TRACE(command);
     t.player.SubmitCommand(command);
     EXPECT_EQ(std::count(t.host.log.begin(), t.host.log.end(), cut), ++cuts);
   }
+  EXPECT_EQ(t.host.file_dialog_answers.size(), 3u);
 }
 
 }  // namespace
