@@ -258,7 +258,7 @@ bool TryVerbs(Game& game, std::string_view command) {
 
 enum class WordResult { kNone, kDone, kQuit };
 
-constexpr long kSavedGameStatements = 10000;
+constexpr long kSavedGameStatements = 5000;
 
 WordResult TryWholeCommandWords(Game& game, std::string_view command) {
   // "save", "load" and "quit" do what the program's Save and Load menus and closing the game's

@@ -66,6 +66,7 @@ struct ThingsHere {
 // visible; a room field that differs only in case does not count.
 ThingsHere CollectThingsHere(Game& game, std::string_view room, BlockRange room_block) {
   ThingsHere here;
+  // Every change to a thing lists them again, so a loop of such changes must pay for the scan.
   ChargeStatements(game, static_cast<long>(game.world.characters.size() +
                                            game.world.objects.size()) /
                              kScannedPerStatement);
