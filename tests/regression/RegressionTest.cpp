@@ -66,9 +66,9 @@ TEST(FuzzRegression, TheFuzzTargetsGamesOpenCleanly) {
       std::string::npos);
 }
 
-// Loops inside each other through procedures once froze the player, and so did loops over
-// empty loops and blank lines: now a statement past the limit is cut, logged once, and the next
-// command runs with a fresh allowance.
+// Loops inside each other through procedures once froze the player, and so did loops over work
+// that runs no statement (empty loops, blank lines, long scans): now a statement past the limit
+// is cut, logged once, and the next command runs with a fresh allowance.
 TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
   const test::TempDir dir;
   test::TestGame t(dir);
@@ -95,8 +95,9 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
     game += "define procedure <p" + std::to_string(i) + "#n#>\nend define\n";
   }
   game += "define room <far>\n";
-  for (int i = 0; i < 1000; ++i)
+  for (int i = 0; i < 1000; ++i) {
     game += "define object <thing " + std::to_string(i) + ">\nend define\n";
+  }
   game += "end define\n";
   ASSERT_TRUE(OpenGame(t.game, dir.Write("game.gwl", game)));
   const std::string cut =
