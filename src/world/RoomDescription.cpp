@@ -67,9 +67,9 @@ struct ThingsHere {
 ThingsHere CollectThingsHere(Game& game, std::string_view room, BlockRange room_block) {
   ThingsHere here;
   // Every change to a thing lists them again, so a loop of such changes must pay for the scan.
-  ChargeStatements(game, static_cast<long>(game.world.characters.size() +
-                                           game.world.objects.size()) /
-                             kScannedPerStatement);
+  ChargeStatements(game,
+                   static_cast<long>(game.world.characters.size() + game.world.objects.size()) /
+                       kScannedPerStatement);
   for (const Thing& thing : game.world.characters) {
     if (thing.room != room || !thing.exists || !thing.visible) continue;
     here.characters += thing.prefix + "|b" + thing.name + "|xb" + thing.suffix + ", ";
