@@ -252,10 +252,12 @@ void For(Game& game, const Statement& s) {
   int i = *from;
   const LoopBody body = PrepareLoopBody(script);
   std::string body_parameter;
+  // Every round looks the variable up by its name: a long name costs as a long text does.
+  const long name_cost = static_cast<long>(name.size() / kSubstitutedBytesPerStatement);
   while (*step < 0 ? i >= *to : i <= *to) {
     SetNumericVariable(game, name, static_cast<int16_t>(i));
     RunLoopBody(game, body, body_parameter);
-    if (nested.MustStop()) return;
+    if (nested.MustStop() || (name_cost > 0 && !ChargeStatements(game, name_cost))) return;
     // The next value comes from the variable, which the script may have changed; a value that
     // would leave the 16-bit range ends the loop.
     const int next = GetNumericVariable(game, name) + *step;

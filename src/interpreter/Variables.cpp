@@ -64,10 +64,11 @@ inline std::size_t FindByte(std::string_view text, char wanted, std::size_t from
   return std::string_view::npos;
 }
 
-// Byte-for-byte equality of two short texts, which a plain loop decides sooner than a library
-// comparison.
+// Byte-for-byte equality of two texts: a plain loop decides short ones sooner than a library
+// comparison, which is much the faster on long ones.
 inline bool SameBytes(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
+  if (a.size() > 16) return std::memcmp(a.data(), b.data(), a.size()) == 0;
   for (std::size_t i = 0; i < a.size(); ++i) {
     if (a[i] != b[i]) return false;
   }

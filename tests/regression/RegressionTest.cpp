@@ -84,6 +84,9 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
       "    command <hide> for <a; 1; 1000> hideobject <thing 1>\n"
       "    command <warn> for <a; 1; 1000> msg <#undefined#>\n"
       "    command <saves> for <a; 1; 3> exec <save>\n"
+      "    command <named> for <" +
+      std::string(4096, 'v') +
+      "; 1; 30000> setvar <n; %n%+1>\n"
       "end define\n"
       "define procedure <inner>\n"
       "    for <b; 1; 30000> setvar <n; %n%+1>\n"
@@ -114,16 +117,20 @@ TEST(FuzzRegression, LoopsInsideLoopsAreCutAndTheGameGoesOn) {
   }
   // Work that runs no statement counts too: the rounds of an empty loop, the blank lines of a
   // procedure read, the lines of a text printed, the names substituted to find a block, the
-  // things looked at to list those here, the messages logged, and the games saved (a save costs
-  // more than this whole allowance, so none is written).
+  // things looked at to list those here, the messages logged, the games saved (a save costs
+  // more than this whole allowance, so none is written), and a loop variable's long name, looked
+  // up on every round (so the loop runs fewer rounds than "spin" did).
   t.host.file_dialog_answers.assign(3, dir.path() + "/saved.tsg");
+  SetNumericVariable(t.game, "n", 0);
   int cuts = 2;
-  for (const char* command : {"idle", "blanks", "page", "lookup", "hide", "warn", "saves"}) {
+  for (const char* command :
+       {"idle", "blanks", "page", "lookup", "hide", "warn", "saves", "named"}) {
     SCOPED_TRACE(command);
     t.player.SubmitCommand(command);
     EXPECT_EQ(std::count(t.host.log.begin(), t.host.log.end(), cut), ++cuts);
   }
   EXPECT_EQ(t.host.file_dialog_answers.size(), 3u);
+  EXPECT_LT(GetNumericVariable(t.game, "n"), 1500);
 }
 
 }  // namespace
