@@ -211,8 +211,8 @@ struct LoopBody {
   ParameterPattern pattern;
 };
 LoopBody PrepareLoopBody(std::string_view script);
-// What ExecuteScript(game, body.line) does; `parameter` is room for the substituted parameter
-// that the rounds reuse.
+// What ExecuteScript(game, body.line) does, but an empty script still counts as a statement;
+// `parameter` is room for the substituted parameter that the rounds reuse.
 void RunLoopBody(Game& game, const LoopBody& body, std::string& parameter);
 
 // for <variable; from; to> script and for <variable; from; to; step> script. The script may
@@ -544,7 +544,7 @@ LoopBody PrepareLoopBody(std::string_view script) {
 
 void RunLoopBody(Game& game, const LoopBody& body, std::string& parameter) {
   if (body.trimmed.empty()) {
-    // A round of nothing still counts, or loops of empty loops would never reach the limit.
+    // Or loops of empty loops would never reach the limit.
     ChargeStatements(game, 1);
     return;
   }
