@@ -211,8 +211,8 @@ struct LoopBody {
   ParameterPattern pattern;
 };
 LoopBody PrepareLoopBody(std::string_view script);
-// What ExecuteScript(game, body.line) does, but an empty script still counts as a statement;
-// `parameter` is room for the substituted parameter that the rounds reuse.
+// What ExecuteScript(game, body.line) does; `parameter` is room for the substituted parameter
+// that the rounds reuse.
 void RunLoopBody(Game& game, const LoopBody& body, std::string& parameter);
 
 // for <variable; from; to> script and for <variable; from; to; step> script. The script may
@@ -252,12 +252,15 @@ void For(Game& game, const Statement& s) {
   int i = *from;
   const LoopBody body = PrepareLoopBody(script);
   std::string body_parameter;
-  // Every round looks the variable up by its name: a long name costs as a long text does.
-  const long name_cost = static_cast<long>(name.size() / kSubstitutedBytesPerStatement);
+  // A round costs what its script runs, and more where that is little against the loop's own
+  // work: one statement for an empty script (or loops of empty loops would never reach the
+  // limit), and one for every kilobyte of the variable's name, which each round looks up.
+  const long round_cost = (body.trimmed.empty() ? 1 : 0) +
+                          static_cast<long>(name.size() / kSubstitutedBytesPerStatement);
   while (*step < 0 ? i >= *to : i <= *to) {
     SetNumericVariable(game, name, static_cast<int16_t>(i));
     RunLoopBody(game, body, body_parameter);
-    if (nested.MustStop() || (name_cost > 0 && !ChargeStatements(game, name_cost))) return;
+    if (nested.MustStop() || (round_cost > 0 && !ChargeStatements(game, round_cost))) return;
     // The next value comes from the variable, which the script may have changed; a value that
     // would leave the 16-bit range ends the loop.
     const int next = GetNumericVariable(game, name) + *step;
@@ -543,11 +546,6 @@ LoopBody PrepareLoopBody(std::string_view script) {
 }
 
 void RunLoopBody(Game& game, const LoopBody& body, std::string& parameter) {
-  if (body.trimmed.empty()) {
-    // Or loops of empty loops would never reach the limit.
-    ChargeStatements(game, 1);
-    return;
-  }
   if (!body.matched) {
     ExecuteScript(game, body.line);
     return;
